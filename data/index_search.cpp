@@ -1,0 +1,59 @@
+#include "data/index_search.h"
+
+#include "data/line_reader.h"
+#include "data/text.h"
+
+namespace velmora {
+namespace {
+
+constexpr int kLinesPerDot = 3000;
+constexpr int kMaxDots = 7;
+
+// Field 1 with its blanks removed equals the code; allocates nothing.
+bool SameIdent(std::string_view field, std::string_view ident) {
+  std::size_t i = 0;
+  for (char c : field) {
+    if (c == ' ') continue;
+    if (i == ident.size() || ident[i] != c) return false;
+    ++i;
+  }
+  return i == ident.size();
+}
+
+}  // namespace
+
+IndexSearchResult SearchIndex(const std::filesystem::path& index, std::string_view searchIdent,
+                              const std::function<void(int dots)>& progress) {
+  IndexSearchResult result;
+  LineReader reader;
+  result.opened = reader.open(index);
+  if (!result.opened) return result;
+
+  int rejected = 0;
+  std::string lastField;
+  std::string_view line;
+  while (reader.next(line)) {
+    // An empty line holds no airport; it is passed over and not counted.
+    if (line.empty()) continue;
+    const std::string_view field1 = line.substr(0, line.find(';'));
+    if (SameIdent(field1, searchIdent)) {
+      const auto fields = Split(line, ';');
+      result.found = true;
+      result.ident = RemoveBlanks(fields[0]);
+      if (fields.size() > 1) result.info1 = RemoveBlanks(fields[1]);
+      if (fields.size() > 2) result.info2 = RemoveBlanks(fields[2]);
+      if (fields.size() > 3) result.file = RemoveBlanks(fields[3]);
+      return result;
+    }
+    lastField.assign(field1);
+    if (rejected % kLinesPerDot == 0 && rejected / kLinesPerDot <= kMaxDots && progress) {
+      progress(rejected / kLinesPerDot);
+    }
+    ++rejected;
+  }
+  result.readError = reader.failed();
+  result.ident = RemoveBlanks(lastField);
+  return result;
+}
+
+}  // namespace velmora

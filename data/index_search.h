@@ -1,0 +1,26 @@
+#pragma once
+// The airport index, "Arpt index.txt": one airport a line, "ICAO;info;info;file", blanks of
+// no meaning. Read from the top on every search; nothing of it is kept between searches.
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace velmora {
+
+struct IndexSearchResult {
+  bool opened = false;
+  bool readError = false;
+  bool found = false;
+  // Fields 1 to 4 of the found line without blanks. When nothing is found, ident holds
+  // field 1 of the last line looked at and the rest stays empty.
+  std::string ident, info1, info2, file;
+};
+
+// `progress` is told the number of dots (0 to 7) at the eight moments the caption changes:
+// when the lines rejected so far reach 0, 3000, ... 21000.
+IndexSearchResult SearchIndex(const std::filesystem::path& index, std::string_view searchIdent,
+                              const std::function<void(int dots)>& progress);
+
+}  // namespace velmora

@@ -1,0 +1,26 @@
+#pragma once
+// Text helpers. All text in the store is single-byte Windows-1252, as the files give it;
+// it becomes UTF-8 only at the edges (trace, SVG, the Qt window).
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velmora {
+
+inline constexpr char kDegreeSign = '\xB0';  // Windows-1252 code 176
+
+std::string Cp1252ToUtf8(std::string_view text);
+// Characters that Windows-1252 lacks become '?'.
+std::string Utf8ToCp1252(std::string_view text);
+
+// Upper case of the Windows-1252 letters, accented ones included.
+std::string UpperCase(std::string_view text);
+// Letter case ignored for ASCII letters, as the searches for "ATIS" or "VOR" need.
+bool ContainsNoCase(std::string_view text, std::string_view word);
+
+std::string RemoveBlanks(std::string_view text);
+// Pieces between every `sep`; an empty text gives one empty piece.
+std::vector<std::string_view> Split(std::string_view text, char sep);
+
+}  // namespace velmora

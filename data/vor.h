@@ -1,0 +1,20 @@
+#pragma once
+// The world VOR list, "vor.nav": read once at start into the store's Vor table.
+
+#include <filesystem>
+
+#include "data/store.h"
+
+namespace velmora {
+
+struct VorReport {
+  bool opened = false;
+  bool readError = false;
+  int skipped = 0;  // lines with fewer than eight fields or no numbers in the position
+  int dropped = 0;  // lines beyond the table's last slot
+};
+
+// Fields: 2, 3 longitude degrees and minutes; 4, 5 latitude; 7 ident; 8 frequency.
+VorReport LoadVor(Store& store, const std::filesystem::path& file);
+
+}  // namespace velmora

@@ -1,0 +1,76 @@
+#include "geometry/coords.h"
+
+#include <cstdlib>
+
+#include "geometry/numbers.h"
+
+namespace velmora {
+namespace {
+
+struct Words {
+  std::string_view first;
+  std::string_view second;
+  bool hasSecond = false;
+};
+
+Words TwoWords(std::string_view text) {
+  Words w;
+  const std::size_t blank = text.find(' ');
+  w.first = text.substr(0, blank);
+  if (blank != std::string_view::npos) {
+    const std::string_view rest = text.substr(blank + 1);
+    w.second = rest.substr(0, rest.find(' '));
+    w.hasSecond = true;
+  }
+  return w;
+}
+
+std::string Part(std::string_view coord, bool degrees, char negativeLetter) {
+  if (coord.empty()) return {};
+  const Words w = TwoWords(coord);
+  std::string word(degrees ? w.first.substr(w.first.empty() ? 0 : 1) : w.second);
+  if (coord.front() == negativeLetter) word += '-';
+  return word;
+}
+
+std::optional<std::int32_t> ToGrid(std::string_view coord, char negativeLetter,
+                                   std::int64_t base) {
+  if (coord.empty()) return std::nullopt;
+  const Words w = TwoWords(coord);
+  if (!w.hasSecond || w.first.empty()) return std::nullopt;
+  const auto degrees = ParseNumber(w.first.substr(1));
+  const auto minutes = ParseNumber(w.second);
+  if (!degrees || !minutes) return std::nullopt;
+  const bool negativeSide = coord.front() == negativeLetter;
+  // Any minus sign, from the letter or on the minutes, puts the minutes on the negative side.
+  const double m = (negativeSide && *minutes > 0) ? -*minutes : *minutes;
+  const std::int64_t d = RoundEven(*degrees);
+  const std::int64_t mGrid = RoundEven(m * kGridPerMinute);
+  const std::int64_t v = std::llabs(mGrid) + std::llabs(d) * kGridPerDegree;
+  const bool west = mGrid < 0 || (mGrid == 0 && negativeSide);
+  return RoundEven(static_cast<double>(west ? base - v : base + v));
+}
+
+}  // namespace
+
+std::string LonDegrees(std::string_view coord) { return Part(coord, true, 'W'); }
+std::string LonMinutes(std::string_view coord) { return Part(coord, false, 'W'); }
+std::string LatDegrees(std::string_view coord) { return Part(coord, true, 'S'); }
+std::string LatMinutes(std::string_view coord) { return Part(coord, false, 'S'); }
+
+std::optional<std::int32_t> LonToGrid(std::string_view coord) {
+  return ToGrid(coord, 'W', kGridXGreenwich);
+}
+
+std::optional<std::int32_t> LatToGrid(std::string_view coord) {
+  return ToGrid(coord, 'S', kGridYEquator);
+}
+
+std::string MetersToFeet(std::string_view length) {
+  if (length.size() <= 1) return "0";
+  const auto metres = ParseNumber(length.substr(0, length.size() - 1));
+  if (!metres) return {};
+  return std::to_string(RoundEven(*metres * 3.28));
+}
+
+}  // namespace velmora

@@ -1,0 +1,30 @@
+#pragma once
+// Grid units to canvas twips, north up. The airport reference point lands at (7000, 5000).
+
+#include <cstdint>
+
+namespace velmora {
+
+struct View {
+  std::int32_t Zoom = 2;  // grid units per twip, even, 2 to 50
+  std::int32_t PanX = 0;  // twips the plan and overlay are shifted right
+  std::int32_t PanY = 0;  // twips shifted down
+  std::int32_t OriginX = 0;  // grid X at canvas X 0
+  std::int32_t OriginY = 0;  // grid Y at canvas Y 10000
+};
+
+inline constexpr std::int32_t kArpScreenX = 7000;
+inline constexpr std::int32_t kArpScreenY = 5000;
+inline constexpr std::int32_t kZoomMin = 2;
+inline constexpr std::int32_t kZoomMax = 50;
+inline constexpr std::int32_t kZoomStep = 2;
+inline constexpr std::int32_t kZoomOnLoad = 16;
+
+// Pan is not part of the mapping: the painters add it at each point.
+std::int32_t GridToScreenX(const View& view, std::int32_t gridX);
+std::int32_t GridToScreenY(const View& view, std::int32_t gridY);
+
+// Places the airport reference point at (7000, 5000) for the present Zoom.
+void SetOrigin(View& view, std::int32_t arptGridX, std::int32_t arptGridY);
+
+}  // namespace velmora

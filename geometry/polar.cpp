@@ -1,0 +1,34 @@
+#include "geometry/polar.h"
+
+#include <cmath>
+
+#include "geometry/numbers.h"
+
+namespace velmora {
+namespace {
+
+double SinDeg(std::int32_t degrees) { return std::sin(degrees * 0.0174532925199433); }
+
+}  // namespace
+
+void PolarOffset(std::int32_t x, std::int32_t y, std::int32_t bearing, double distance,
+                 std::int32_t& outX, std::int32_t& outY) {
+  const double d = distance * 360.0;
+  // Each product is rounded by itself; the quadrant alone gives the signs.
+  const auto r = [d](std::int32_t angle) { return RoundEven(d * SinDeg(angle)); };
+  if (bearing >= 0 && bearing <= 90) {
+    outX = x + r(bearing);
+    outY = y - r(90 - bearing);
+  } else if (bearing >= 91 && bearing <= 180) {
+    outX = x + r(180 - bearing);
+    outY = y + r(bearing - 90);
+  } else if (bearing >= 181 && bearing <= 270) {
+    outX = x - r(bearing - 180);
+    outY = y + r(270 - bearing);
+  } else if (bearing >= 271 && bearing <= 360) {
+    outX = x - r(360 - bearing);
+    outY = y - r(bearing - 270);
+  }
+}
+
+}  // namespace velmora

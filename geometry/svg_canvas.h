@@ -1,0 +1,26 @@
+#pragma once
+// An SVG picture of the canvas, in twips as user units (viewBox 0 0 14415 10215).
+
+#include <sstream>
+#include <string>
+
+#include "geometry/canvas.h"
+
+namespace velmora {
+
+class SvgCanvas final : public Canvas {
+ public:
+  void drawCls() override;
+  void drawLine(const Pen& pen, std::int32_t x1, std::int32_t y1, std::int32_t x2,
+                std::int32_t y2) override;
+  void drawCircle(const Pen& pen, std::int32_t x, std::int32_t y, std::int32_t radius) override;
+  void drawText(const Pen& pen, std::string_view text) override;
+
+  // The whole document.
+  std::string document() const;
+
+ private:
+  std::ostringstream body_;
+};
+
+}  // namespace velmora

@@ -1,0 +1,202 @@
+#include "shell/form.h"
+
+#include <array>
+
+#include "charts/charts.h"
+#include "data/extract.h"
+#include "data/index_search.h"
+#include "data/text.h"
+#include "data/vor.h"
+#include "geometry/numbers.h"
+
+namespace velmora {
+namespace {
+
+constexpr std::array<std::string_view, 8> kProgress = {
+    "searching for ",      "searching for . ",      "searching for .. ",
+    "searching for ... ",  "searching for .... ",   "searching for ..... ",
+    "searching for ...... ", "searching for ....... "};
+
+std::string VorProblem(const VorReport& r) {
+  const std::string file(kVorFileName);
+  if (!r.opened || r.readError) return file + " could not be read: the chart shows no VORs";
+  std::string text;
+  if (r.skipped > 0) text = std::to_string(r.skipped) + " unreadable lines skipped";
+  if (r.dropped > 0) {
+    if (!text.empty()) text += ", ";
+    text += std::to_string(r.dropped) + " VORs beyond the first 8001 dropped";
+  }
+  return text.empty() ? text : "Velmora - " + file + ": " + text;
+}
+
+std::string ApproachRowText(const ApproachRow& a) {
+  std::string text = a.type + " " + a.runway;
+  if (a.designator != "NONE" && !a.designator.empty()) text += a.designator.front();
+  return text;
+}
+
+}  // namespace
+
+ArptForm::ArptForm(Store& store, Canvas& canvas, std::filesystem::path dataDir)
+    : store_(store), canvas_(canvas), dataDir_(std::move(dataDir)) {}
+
+void ArptForm::setCaption(std::string text) {
+  controls_.caption = std::move(text);
+  if (onCaption) onCaption(controls_.caption);
+}
+
+void ArptForm::Form_Load(std::string_view commandLine) {
+  if (!commandLine.empty()) {
+    CmdIdent = commandLine;
+    controls_.txtSearch.text = CmdIdent;
+  }
+  view_.Zoom = kZoomMin;
+  for (Control* c : {&controls_.cmdArpt, &controls_.cmdPlus, &controls_.cmdMinus,
+                     &controls_.cmdZoom}) {
+    c->enabled = false;
+  }
+  controls_.cmbAPP.enabled = false;
+  controls_.cmbTerm.enabled = false;
+  const VorReport vor = LoadVor(store_, dataDir_ / kVorFileName);
+  if (std::string problem = VorProblem(vor); !problem.empty()) setCaption(std::move(problem));
+}
+
+void ArptForm::cmdSearch_Click() {
+  controls_.cmdZoom.enabled = false;
+  SearchIdent = UpperCase(controls_.txtSearch.text);
+  canvas_.Cls();
+  controls_.cmdPlus.enabled = false;
+  controls_.cmdMinus.enabled = false;
+
+  const IndexSearchResult r = SearchIndex(dataDir_ / kIndexFileName, SearchIdent, [&](int dots) {
+    setCaption(std::string(kProgress[static_cast<std::size_t>(dots)]) + SearchIdent);
+  });
+  controls_.txtSearch.text.clear();
+  if (!r.opened || r.readError) {
+    setCaption(std::string(kIndexFileName) + " could not be read - no search for " + SearchIdent);
+    return;
+  }
+  IndexIdent = r.ident;
+  if (!r.found) {
+    setCaption("Sorry, " + SearchIdent + " is not in the Index!");
+    return;
+  }
+  IndexInfo1 = r.info1;
+  IndexInfo2 = r.info2;
+  IndexFile = r.file;
+  setCaption(IndexIdent + "-" + IndexInfo1 + "-" + IndexInfo2 + "-" + IndexFile);
+  controls_.cmdArpt.text = "Show " + IndexIdent + " Chart";
+  controls_.cmdArpt.enabled = true;
+  controls_.cmbAPP.enabled = false;
+}
+
+void ArptForm::setZoomCaption(std::string_view separator) {
+  controls_.cmdZoom.text =
+      "Reset Position\rZoom Level=" + std::string(separator) + std::to_string(view_.Zoom);
+}
+
+void ArptForm::cmdArpt_Click() {
+  view_.Zoom = kZoomOnLoad;
+  store_.AppSelected = false;
+  controls_.cmdZoom.enabled = true;
+  setZoomCaption(" ");
+  view_.PanX = 0;
+  view_.PanY = 0;
+  controls_.cmbAPP.enabled = true;
+  controls_.cmbAPP.rows.clear();
+  controls_.cmbAPP.text = IndexIdent + " APP";
+  controls_.cmbTerm.rows.clear();
+  controls_.cmbTerm.text = IndexIdent + " Term";
+
+  canvas_.Cls();
+  const std::filesystem::path file = dataDir_ / kAirportFolder / IndexFile;
+  const std::string shown = std::string(kAirportFolder) + "/" + IndexFile;
+  const ExtractReport report = ExtractArpt(store_, file, SearchIdent);
+  if (!report.opened || report.readError) {
+    failLoad("The airport file " + shown + " could not be read - no chart for " + SearchIdent);
+    return;
+  }
+  if (!report.found) {
+    failLoad("Sorry, " + SearchIdent + " is not in " + shown + " - no chart");
+    return;
+  }
+  displayArpt();
+
+  for (std::int32_t slot = 0; slot <= store_.AppLast && store_.Approach.has(slot); ++slot) {
+    if (slot == 0 && store_.Approach[0].type.empty()) break;
+    controls_.cmbAPP.rows.push_back(ApproachRowText(store_.Approach[slot]));
+  }
+  if (report.dropped.any()) {
+    setCaption(controls_.caption + " - tables full, dropped: " + report.dropped.text());
+  }
+}
+
+void ArptForm::failLoad(std::string caption) {
+  // Nothing is drawn from an empty store, and nothing offers to zoom or pick in it.
+  for (Control* c : {&controls_.cmdZoom, &controls_.cmdPlus, &controls_.cmdMinus}) {
+    c->enabled = false;
+  }
+  controls_.cmbAPP.enabled = false;
+  setCaption(std::move(caption));
+}
+
+void ArptForm::cmbAPP_Click(int row) {
+  if (row < 0 || row >= static_cast<int>(controls_.cmbAPP.rows.size())) return;
+  store_.SelApp = row;
+  store_.AppSelected = true;
+  controls_.cmbAPP.text = controls_.cmbAPP.rows[static_cast<std::size_t>(row)];
+  controls_.cmbTerm.rows.clear();
+  controls_.cmbTerm.enabled = true;
+  controls_.cmbTerm.text = IndexIdent + " Term";
+  // The plan is drawn again last, over the overlay.
+  displayArpt();
+  DrawApp(store_, view_, canvas_, controls_.cmbTerm.rows);
+  DrawArpt(store_, view_, canvas_);
+}
+
+void ArptForm::displayArpt() {
+  controls_.cmdPlus.enabled = true;
+  controls_.cmdMinus.enabled = true;
+  controls_.cmdSearch.enabled = true;
+  DisplayArpt(store_, view_, canvas_);
+}
+
+void ArptForm::redraw() {
+  displayArpt();
+  if (store_.AppSelected) {
+    controls_.cmbTerm.rows.clear();
+    DrawApp(store_, view_, canvas_, controls_.cmbTerm.rows);
+  }
+}
+
+void ArptForm::cmdPlus_Click() {
+  view_.Zoom -= kZoomStep;
+  if (view_.Zoom < kZoomMin) view_.Zoom = kZoomMin;
+  setZoomCaption("");
+  redraw();
+}
+
+void ArptForm::cmdMinus_Click() {
+  view_.Zoom += kZoomStep;
+  if (view_.Zoom > kZoomMax) view_.Zoom -= kZoomStep;
+  setZoomCaption("");
+  redraw();
+}
+
+void ArptForm::cmdZoom_Click() {
+  view_.PanX = 0;
+  view_.PanY = 0;
+  redraw();
+}
+
+void ArptForm::picArpt_MouseDown(int /*button*/, int /*shift*/, double x, double y) {
+  if (!store_.hasAirport()) {
+    setCaption("No chart to move yet - search for an airport and show its chart first");
+    return;
+  }
+  view_.PanX = RoundEven(static_cast<double>(view_.PanX) + kArpScreenX - RoundEven(x));
+  view_.PanY = RoundEven(static_cast<double>(view_.PanY) + kArpScreenY - RoundEven(y));
+  redraw();
+}
+
+}  // namespace velmora

@@ -1,0 +1,86 @@
+#pragma once
+// The window's logic: frmArpt's handlers and the state of its controls, free of any toolkit.
+// The Qt window shows this state and forwards its events here; velmora-chart and the tests
+// drive the same object.
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "data/store.h"
+#include "geometry/canvas.h"
+#include "geometry/mapping.h"
+
+namespace velmora {
+
+struct Control {
+  std::string text;  // Windows-1252; "\r" breaks a button caption into two lines
+  bool enabled = true;
+};
+
+struct ComboBox {
+  std::string text;
+  bool enabled = false;
+  std::vector<std::string> rows;
+};
+
+struct Controls {
+  std::string caption = "Velmora";
+  Control txtSearch{"", true};
+  Control cmdSearch{"Search", true};
+  Control cmdExit{"EXIT", true};
+  Control cmdArpt{"APP Chart", false};
+  Control cmdPlus{"Zoom In", false};
+  Control cmdMinus{"Zoom Out", false};
+  Control cmdZoom{"Reset Zoom", false};
+  ComboBox cmbAPP{"Approach", false, {}};
+  ComboBox cmbTerm{"Terminal", false, {}};
+};
+
+inline constexpr std::string_view kIndexFileName = "Arpt index.txt";
+inline constexpr std::string_view kVorFileName = "vor.nav";
+inline constexpr std::string_view kAirportFolder = "FSXFiles";
+
+class ArptForm {
+ public:
+  // `dataDir` stands for the folder of the executable: the index, the VOR list and FSXFiles.
+  ArptForm(Store& store, Canvas& canvas, std::filesystem::path dataDir);
+
+  // Told of every caption a handler sets, while the handler runs: the search's progress has
+  // to reach the screen during the scan.
+  std::function<void(const std::string&)> onCaption;
+
+  void Form_Load(std::string_view commandLine);
+  void cmdSearch_Click();
+  void cmdArpt_Click();
+  void cmbAPP_Click(int row);
+  void cmdPlus_Click();
+  void cmdMinus_Click();
+  void cmdZoom_Click();
+  void picArpt_MouseDown(int button, int shift, double x, double y);
+
+  // What the user types into txtSearch (Windows-1252).
+  void setSearchText(std::string text) { controls_.txtSearch.text = std::move(text); }
+
+  const Controls& controls() const { return controls_; }
+  const View& view() const { return view_; }
+  const Store& store() const { return store_; }
+
+ private:
+  void setCaption(std::string text);
+  void displayArpt();
+  void redraw();
+  void setZoomCaption(std::string_view separator);
+  void failLoad(std::string caption);
+
+  Store& store_;
+  Canvas& canvas_;
+  std::filesystem::path dataDir_;
+  Controls controls_;
+  View view_;
+  std::string CmdIdent, SearchIdent, IndexIdent, IndexInfo1, IndexInfo2, IndexFile;
+};
+
+}  // namespace velmora

@@ -1,0 +1,17 @@
+// velmora: the charting window. The command line, as one text, goes into the search box.
+
+#include <QApplication>
+
+#include "shell/qt/main_window.h"
+
+int main(int argc, char** argv) {
+  QApplication app(argc, argv);
+  std::string commandLine;
+  for (int i = 1; i < argc; ++i) {
+    if (i > 1) commandLine += ' ';
+    commandLine += argv[i];
+  }
+  velmora::MainWindow window(QCoreApplication::applicationDirPath().toStdString(), commandLine);
+  window.show();
+  return app.exec();
+}

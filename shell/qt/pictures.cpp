@@ -1,0 +1,55 @@
+#include "shell/qt/pictures.h"
+
+#include <QPageLayout>
+#include <QPageSize>
+#include <QPdfWriter>
+
+#include <algorithm>
+#include <ostream>
+
+#include "shell/qt/qt_canvas.h"
+
+namespace velmora {
+namespace {
+
+bool WritePdf(const RecordingCanvas& picture, const QString& path) {
+  QPdfWriter writer(path);
+  writer.setPageLayout(
+      QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Landscape, QMarginsF(10, 10, 10, 10)));
+  writer.setResolution(1200);
+  writer.setTitle(QStringLiteral("Velmora chart - not for real navigation"));
+  QPainter painter;
+  if (!painter.begin(&writer)) return false;
+  painter.setRenderHint(QPainter::Antialiasing);
+  const double fit = std::min(writer.width() / double(Canvas::Width),
+                              writer.height() / double(Canvas::Height));
+  painter.scale(fit, fit);
+  painter.setClipRect(QRectF(0, 0, Canvas::Width, Canvas::Height));
+  QtCanvas canvas(&painter);
+  picture.replay(canvas);
+  return painter.end();
+}
+
+}  // namespace
+
+bool WritePicture(const RecordingCanvas& picture, const std::filesystem::path& path, double scale,
+                  std::ostream& err) {
+  std::string ext = path.extension().string();
+  std::transform(ext.begin(), ext.end(), ext.begin(), [](unsigned char c) { return std::tolower(c); });
+  const QString file = QString::fromStdString(path.string());
+  bool ok = false;
+  if (ext == ".png") {
+    RasterCanvas canvas(scale);
+    picture.replay(canvas);
+    ok = canvas.image().save(file, "PNG");
+  } else if (ext == ".pdf") {
+    ok = WritePdf(picture, file);
+  } else {
+    err << "velmora-chart: " << path.string() << ": pictures are .png, .svg or .pdf\n";
+    return false;
+  }
+  if (!ok) err << "velmora-chart: cannot write " << path.string() << "\n";
+  return ok;
+}
+
+}  // namespace velmora
