@@ -1,0 +1,64 @@
+#include "test_support.h"
+
+#include <fstream>
+#include <random>
+
+namespace velmora::test {
+
+TempDir::TempDir() {
+  std::random_device rd;
+  path_ = std::filesystem::temp_directory_path() /
+          ("velmora-test-" + std::to_string(rd()) + std::to_string(rd()));
+  std::filesystem::create_directories(path_);
+}
+
+TempDir::~TempDir() {
+  std::error_code ec;
+  std::filesystem::remove_all(path_, ec);
+}
+
+std::filesystem::path TempDir::write(const std::string& name, std::string_view bytes) const {
+  const std::filesystem::path file = path_ / name;
+  std::filesystem::create_directories(file.parent_path());
+  std::ofstream(file, std::ios::binary) << bytes;
+  return file;
+}
+
+std::string CrLf(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) text += line + "\r\n";
+  return text;
+}
+
+std::filesystem::path SampleDir() { return VELMORA_SAMPLE_DIR; }
+
+Harness::Harness(const std::filesystem::path& dataDir, std::string_view commandLine)
+    : store_(std::make_unique<Store>()), canvas_(out_) {
+  form_ = std::make_unique<ArptForm>(*store_, canvas_, dataDir);
+  form_->onCaption = [this](const std::string& text) { canvas_.caption(text); };
+  form_->Form_Load(commandLine);
+}
+
+std::vector<std::string> Harness::takeTrace() {
+  std::vector<std::string> lines;
+  std::istringstream in(out_.str());
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  out_.str({});
+  return lines;
+}
+
+void Harness::load(std::string_view code) {
+  form_->setSearchText(std::string(code));
+  form_->cmdSearch_Click();
+  form_->cmdArpt_Click();
+}
+
+std::vector<std::string> Filter(const std::vector<std::string>& trace, std::string_view prefix) {
+  std::vector<std::string> out;
+  for (const std::string& line : trace) {
+    if (line.starts_with(prefix)) out.push_back(line);
+  }
+  return out;
+}
+
+}  // namespace velmora::test

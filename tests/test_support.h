@@ -1,0 +1,59 @@
+#pragma once
+// What the tests share: a temporary data folder laid out like the one beside the executable,
+// and a form driven headless with its drawing written as trace lines.
+
+#include <filesystem>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "data/store.h"
+#include "geometry/trace_canvas.h"
+#include "shell/form.h"
+
+namespace velmora::test {
+
+// A fresh folder under the system's temp folder, removed again at the end of the test.
+class TempDir {
+ public:
+  TempDir();
+  ~TempDir();
+  const std::filesystem::path& path() const { return path_; }
+  // Writes `bytes` exactly (Windows-1252, line ends as given) to a file under the folder.
+  std::filesystem::path write(const std::string& name, std::string_view bytes) const;
+
+ private:
+  std::filesystem::path path_;
+};
+
+// Joins lines with CR LF, as the data files are written.
+std::string CrLf(const std::vector<std::string>& lines);
+
+// The bundled sample data (index, vor.nav, FSXFiles).
+std::filesystem::path SampleDir();
+
+// An ArptForm over its own store, drawing onto a trace; trace() gives the lines since the
+// last takeTrace().
+class Harness {
+ public:
+  explicit Harness(const std::filesystem::path& dataDir, std::string_view commandLine = "");
+  ArptForm& form() { return *form_; }
+  Store& store() { return *store_; }
+  // Trace lines written since the last call, and forgets them.
+  std::vector<std::string> takeTrace();
+  // Runs type:CODE, search and load.
+  void load(std::string_view code);
+
+ private:
+  std::ostringstream out_;
+  std::unique_ptr<Store> store_;
+  TraceCanvas canvas_;
+  std::unique_ptr<ArptForm> form_;
+};
+
+// Lines of `trace` that start with `prefix`.
+std::vector<std::string> Filter(const std::vector<std::string>& trace, std::string_view prefix);
+
+}  // namespace velmora::test
