@@ -1,5 +1,7 @@
 #include "geometry/svg_canvas.h"
 
+#include <locale>
+
 #include "data/text.h"
 
 namespace velmora {
@@ -34,6 +36,8 @@ std::string Escape(std::string_view utf8) {
 }  // namespace
 
 void SvgCanvas::drawCls() {
+  // Numbers in SVG never take the machine's digit grouping.
+  body_.imbue(std::locale::classic());
   body_.str({});
   body_ << "<rect width=\"" << Width << "\" height=\"" << Height << "\" fill=\""
         << Colour(kPictureBackground) << "\"/>\n";
@@ -61,6 +65,7 @@ void SvgCanvas::drawText(const Pen& p, std::string_view text) {
 
 std::string SvgCanvas::document() const {
   std::ostringstream doc;
+  doc.imbue(std::locale::classic());
   doc << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << Width / kTwipsPerPixel
       << "\" height=\"" << Height / kTwipsPerPixel << "\" viewBox=\"0 0 " << Width << ' '
       << Height << "\">\n"

@@ -2,10 +2,18 @@
 
 #include <QApplication>
 
+#include <locale>
+#include <stdexcept>
+
 #include "shell/qt/main_window.h"
 
 int main(int argc, char** argv) {
   QApplication app(argc, argv);
+  // DME labels group digits as the machine writes numbers.
+  try {
+    std::locale::global(std::locale(""));
+  } catch (const std::runtime_error&) {
+  }
   std::string commandLine;
   for (int i = 1; i < argc; ++i) {
     if (i > 1) commandLine += ' ';
