@@ -154,10 +154,15 @@ MainWindow::MainWindow(std::filesystem::path dataDir, const std::string& command
   connect(txtSearch_, &QLineEdit::textEdited, this,
           [this](const QString& text) { form_->setSearchText(Utf8ToCp1252(text.toStdString())); });
   connect(cmdSearch_, &QPushButton::clicked, this, [this] { run([&] { form_->cmdSearch_Click(); }); });
-  // Enter anywhere in the window searches, as with a default button.
+  // Enter searches, as with a default button, except in the lists, where it picks a row.
   for (auto key : {Qt::Key_Return, Qt::Key_Enter}) {
-    connect(new QShortcut(QKeySequence(key), this), &QShortcut::activated, cmdSearch_,
-            &QPushButton::click);
+    connect(new QShortcut(QKeySequence(key), this), &QShortcut::activated, this, [this] {
+      const QWidget* focus = focusWidget();
+      const bool inList = focus != nullptr && (cmbAPP_->isAncestorOf(focus) ||
+                                               cmbTerm_->isAncestorOf(focus) ||
+                                               focus == cmbAPP_ || focus == cmbTerm_);
+      if (!inList) cmdSearch_->click();
+    });
   }
   connect(cmdExit_, &QPushButton::clicked, this, &QWidget::close);
   connect(cmdArpt_, &QPushButton::clicked, this, [this] { run([&] { form_->cmdArpt_Click(); }); });
