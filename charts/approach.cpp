@@ -20,7 +20,8 @@ struct Position {
 // short or not a whole number.
 std::optional<std::int32_t> Course(const std::string& magneticCourse) {
   if (magneticCourse.size() < 3) return std::nullopt;
-  const std::string_view whole = std::string_view(magneticCourse).substr(0, magneticCourse.size() - 2);
+  const std::string_view whole =
+      std::string_view(magneticCourse).substr(0, magneticCourse.size() - 2);
   std::int32_t value = 0;
   for (char c : whole) {
     if (c < '0' || c > '9' || value > 100000) return std::nullopt;
@@ -67,8 +68,8 @@ void Heading(Store& s, const LegRow& firstLeg, Canvas& c) {
     for (std::int32_t slot = 0; slot <= s.IlsLast && s.Ils.has(slot); ++slot) {
       const IlsRow& ils = s.Ils[slot];
       if (!ContainsNoCase(ils.name, runway)) continue;
-      PrintHeading(c, ils.name + "  " + ils.frequency + "   " + ils.end + "  " + ils.heading +
-                          kDegreeSign);
+      PrintHeading(
+          c, ils.name + "  " + ils.frequency + "   " + ils.end + "  " + ils.heading + kDegreeSign);
     }
   } else if (ContainsNoCase(app.type, "VOR")) {
     std::string runway = RunwayText(app);

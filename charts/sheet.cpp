@@ -10,7 +10,9 @@ namespace {
 
 constexpr std::string_view kWarning = "DO NOT USE FOR REAL NAVIGATION! FSX ONLY     NM SCALE ->";
 
-std::int32_t ListRowY(int row) { return 800 + 250 * row; }
+std::int32_t ListRowY(int row) {
+  return 800 + 250 * row;
+}
 
 bool IsEmpty(const RwyEndRow& r) {
   return r.type.empty() && r.number.empty() && r.designator.empty() && r.length.empty() &&
@@ -24,8 +26,8 @@ void TitleBlock(const Store& s, Canvas& c) {
   c.Line(0, 500, Canvas::Width, 500);
   PrintAt(c, 100, 550, 12, true, "Elev: " + MetersToFeet(s.ArptAlt));
   PrintAt(c, 5100, 550, 10, false,
-          s.ArptLat + "   " + s.ArptLon + "                               Magnetic Variation: " +
-              VariationText(s.ArptMagvar));
+          s.ArptLat + "   " + s.ArptLon +
+              "                               Magnetic Variation: " + VariationText(s.ArptMagvar));
   c.Line(0, 900, Canvas::Width, 900);
 }
 

@@ -55,8 +55,8 @@ void DrawArrowHead(Canvas& canvas, std::int32_t startX, std::int32_t startY, std
   const Bearings b = SideBearings(course, 130);
   canvas.pen.DrawWidth = 1;
   canvas.pen.ForeColor = kGreen;
-  for (const auto& barb : {CornerAt(startX, startY, b.first, 1.0),
-                           CornerAt(startX, startY, b.second, 1.0)}) {
+  for (const auto& barb :
+       {CornerAt(startX, startY, b.first, 1.0), CornerAt(startX, startY, b.second, 1.0)}) {
     if (!barb) continue;
     canvas.Line(startX, startY, barb->x, barb->y);
     canvas.Line(barb->x, barb->y, tipX, tipY);

@@ -35,8 +35,12 @@ std::string_view AttrKey(std::string_view& line) {
   return line.substr(0, line.find('='));
 }
 
-std::string_view AttrValue(std::string_view line) { return QuotePiece(line, 1); }
+std::string_view AttrValue(std::string_view line) {
+  return QuotePiece(line, 1);
+}
 
-std::string_view AttrValue2(std::string_view line) { return QuotePiece(line, 3); }
+std::string_view AttrValue2(std::string_view line) {
+  return QuotePiece(line, 3);
+}
 
 }  // namespace velmora

@@ -47,13 +47,13 @@ bool AirportReader::take(std::string_view key, std::string_view startKey, std::s
   const auto first = [&] { return std::string(AttrValue(line)); };
 
   if (element == "<Airport") {
-    std::string* field = key == "country" ? &s_.ArptCountry
-                         : key == "state" ? &s_.ArptState
-                         : key == "city"  ? &s_.ArptCity
-                         : key == "name"  ? &s_.ArptName
-                         : key == "lat"   ? &s_.ArptLat
-                         : key == "lon"   ? &s_.ArptLon
-                         : key == "alt"   ? &s_.ArptAlt
+    std::string* field = key == "country"  ? &s_.ArptCountry
+                         : key == "state"  ? &s_.ArptState
+                         : key == "city"   ? &s_.ArptCity
+                         : key == "name"   ? &s_.ArptName
+                         : key == "lat"    ? &s_.ArptLat
+                         : key == "lon"    ? &s_.ArptLon
+                         : key == "alt"    ? &s_.ArptAlt
                          : key == "magvar" ? &s_.ArptMagvar
                                            : nullptr;
     if (field != nullptr) *field = first();
@@ -128,7 +128,8 @@ bool AirportReader::take(std::string_view key, std::string_view startKey, std::s
       if (key == "lat") row.lat = first();
       if (key == "lon") row.lon = first();
     }
-    if (key == "lon") Close(s_.Waypoint.has(waypoint_), s_.WaypointLast, waypoint_, dropped_.waypoint);
+    if (key == "lon")
+      Close(s_.Waypoint.has(waypoint_), s_.WaypointLast, waypoint_, dropped_.waypoint);
   } else if (element == "</Airport>") {
     return false;
   } else if (element == "<Approach") {

@@ -2,12 +2,37 @@
 
 #include <cstring>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace velmora {
+namespace {
+
+// The first CR or LF in [p, end), or end: one pass over the bytes for both marks.
+const char* FindLineEnd(const char* p, const char* end) {
+#if defined(__SSE2__)
+  const __m128i cr = _mm_set1_epi8('\r');
+  const __m128i lf = _mm_set1_epi8('\n');
+  for (; end - p >= 16; p += 16) {
+    const __m128i chunk = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    const int hits =
+        _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(chunk, cr), _mm_cmpeq_epi8(chunk, lf)));
+    if (hits != 0) return p + __builtin_ctz(static_cast<unsigned>(hits));
+  }
+#endif
+  while (p < end && *p != '\r' && *p != '\n') ++p;
+  return p;
+}
+
+}  // namespace
 
 LineReader::LineReader(std::size_t chunkBytes)
     : buf_(chunkBytes < 16 ? 16 : chunkBytes), chunk_(buf_.size()) {}
 
-LineReader::~LineReader() { close(); }
+LineReader::~LineReader() {
+  close();
+}
 
 bool LineReader::open(const std::filesystem::path& path) {
   close();
@@ -15,7 +40,7 @@ bool LineReader::open(const std::filesystem::path& path) {
   if (std::filesystem::is_directory(path, ec)) return false;
   file_ = std::fopen(path.c_str(), "rb");
   pos_ = end_ = 0;
-  lfKnown_ = eof_ = failed_ = false;
+  eof_ = failed_ = false;
   return file_ != nullptr;
 }
 
@@ -42,20 +67,13 @@ bool LineReader::fill() {
     eof_ = true;
   }
   end_ += got;
-  lfKnown_ = false;
   return got > 0;
 }
 
 bool LineReader::next(std::string_view& line) {
   for (;;) {
     const char* base = buf_.data();
-    if (!lfKnown_ || nextLf_ < pos_) {
-      const void* lf = std::memchr(base + pos_, '\n', end_ - pos_);
-      nextLf_ = lf != nullptr ? static_cast<const char*>(lf) - base : end_;
-      lfKnown_ = true;
-    }
-    const void* cr = std::memchr(base + pos_, '\r', nextLf_ - pos_);
-    const std::size_t stop = cr != nullptr ? static_cast<const char*>(cr) - base : nextLf_;
+    const std::size_t stop = FindLineEnd(base + pos_, base + end_) - base;
     if (stop < end_) {
       // A CR at the very end of the buffer may be the first half of CR LF.
       if (base[stop] == '\r' && stop + 1 == end_ && !eof_) {

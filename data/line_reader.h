@@ -37,8 +37,6 @@ class LineReader {
   std::size_t chunk_;
   std::size_t pos_ = 0;
   std::size_t end_ = 0;
-  std::size_t nextLf_ = 0;  // next '\n' at or after pos_, or end_ when the buffer holds none
-  bool lfKnown_ = false;
   bool eof_ = false;
   bool failed_ = false;
 };

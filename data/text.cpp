@@ -14,11 +14,6 @@ constexpr std::array<char32_t, 32> kHigh = {
     0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
 
-char32_t CodePoint(unsigned char c) {
-  if (c >= 0x80 && c < 0xA0 && kHigh[c - 0x80] != 0) return kHigh[c - 0x80];
-  return c;
-}
-
 void AppendUtf8(std::string& out, char32_t cp) {
   if (cp < 0x80) {
     out += static_cast<char>(cp);
@@ -46,22 +41,34 @@ char UpperChar(unsigned char c) {
   if (c >= 'a' && c <= 'z') return static_cast<char>(c - 32);
   if (c >= 0xE0 && c <= 0xFE && c != 0xF7) return static_cast<char>(c - 32);
   switch (c) {
-    case 0x9A: return '\x8A';
-    case 0x9C: return '\x8C';
-    case 0x9E: return '\x8E';
-    case 0xFF: return '\x9F';
-    default: return static_cast<char>(c);
+    case 0x9A:
+      return '\x8A';
+    case 0x9C:
+      return '\x8C';
+    case 0x9E:
+      return '\x8E';
+    case 0xFF:
+      return '\x9F';
+    default:
+      return static_cast<char>(c);
   }
 }
 
-char LowerAscii(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c; }
+char LowerAscii(char c) {
+  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c;
+}
 
 }  // namespace
+
+char32_t Cp1252CodePoint(unsigned char c) {
+  if (c >= 0x80 && c < 0xA0 && kHigh[c - 0x80] != 0) return kHigh[c - 0x80];
+  return c;
+}
 
 std::string Cp1252ToUtf8(std::string_view text) {
   std::string out;
   out.reserve(text.size());
-  for (unsigned char c : text) AppendUtf8(out, CodePoint(c));
+  for (unsigned char c : text) AppendUtf8(out, Cp1252CodePoint(c));
   return out;
 }
 

@@ -11,6 +11,8 @@ namespace velmora {
 inline constexpr char kDegreeSign = '\xB0';  // Windows-1252 code 176
 
 std::string Cp1252ToUtf8(std::string_view text);
+// The Unicode code point of one Windows-1252 byte.
+char32_t Cp1252CodePoint(unsigned char byte);
 // Characters that Windows-1252 lacks become '?'.
 std::string Utf8ToCp1252(std::string_view text);
 

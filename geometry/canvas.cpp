@@ -55,9 +55,15 @@ void RecordingCanvas::replay(Canvas& target) const {
   target.drawCls();
   for (const Op& op : ops_) {
     switch (op.kind) {
-      case Kind::kLine: target.drawLine(op.pen, op.a, op.b, op.c, op.d); break;
-      case Kind::kCircle: target.drawCircle(op.pen, op.a, op.b, op.c); break;
-      case Kind::kText: target.drawText(op.pen, op.text); break;
+      case Kind::kLine:
+        target.drawLine(op.pen, op.a, op.b, op.c, op.d);
+        break;
+      case Kind::kCircle:
+        target.drawCircle(op.pen, op.a, op.b, op.c);
+        break;
+      case Kind::kText:
+        target.drawText(op.pen, op.text);
+        break;
     }
   }
 }

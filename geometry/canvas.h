@@ -57,8 +57,7 @@ class Canvas {
   virtual void drawCls() = 0;
   virtual void drawLine(const Pen& pen, std::int32_t x1, std::int32_t y1, std::int32_t x2,
                         std::int32_t y2) = 0;
-  virtual void drawCircle(const Pen& pen, std::int32_t x, std::int32_t y,
-                          std::int32_t radius) = 0;
+  virtual void drawCircle(const Pen& pen, std::int32_t x, std::int32_t y, std::int32_t radius) = 0;
   virtual void drawText(const Pen& pen, std::string_view text) = 0;
 };
 

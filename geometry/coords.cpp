@@ -33,8 +33,7 @@ std::string Part(std::string_view coord, bool degrees, char negativeLetter) {
   return word;
 }
 
-std::optional<std::int32_t> ToGrid(std::string_view coord, char negativeLetter,
-                                   std::int64_t base) {
+std::optional<std::int32_t> ToGrid(std::string_view coord, char negativeLetter, std::int64_t base) {
   if (coord.empty()) return std::nullopt;
   const Words w = TwoWords(coord);
   if (!w.hasSecond || w.first.empty()) return std::nullopt;
@@ -53,10 +52,18 @@ std::optional<std::int32_t> ToGrid(std::string_view coord, char negativeLetter,
 
 }  // namespace
 
-std::string LonDegrees(std::string_view coord) { return Part(coord, true, 'W'); }
-std::string LonMinutes(std::string_view coord) { return Part(coord, false, 'W'); }
-std::string LatDegrees(std::string_view coord) { return Part(coord, true, 'S'); }
-std::string LatMinutes(std::string_view coord) { return Part(coord, false, 'S'); }
+std::string LonDegrees(std::string_view coord) {
+  return Part(coord, true, 'W');
+}
+std::string LonMinutes(std::string_view coord) {
+  return Part(coord, false, 'W');
+}
+std::string LatDegrees(std::string_view coord) {
+  return Part(coord, true, 'S');
+}
+std::string LatMinutes(std::string_view coord) {
+  return Part(coord, false, 'S');
+}
 
 std::optional<std::int32_t> LonToGrid(std::string_view coord) {
   return ToGrid(coord, 'W', kGridXGreenwich);

@@ -27,10 +27,18 @@ FixText FindFix(const Store& s, std::string_view ident) {
   FixText fix;
   // Empty slots never match: an empty ident is not a fix.
   if (ident.empty()) return fix;
-  Find(s.Waypoint, s.WaypointLast, ident, [](const WaypointRow& r) -> const std::string& { return r.ident; }, fix) ||
-      Find(s.Ndb, s.NdbLast, ident, [](const NdbRow& r) -> const std::string& { return r.ident; }, fix) ||
-      Find(s.Vor, s.VorLast, ident, [](const VorRow& r) -> const std::string& { return r.ident; }, fix) ||
-      Find(s.RwyEnd, s.RwyLast, ident, [](const RwyEndRow& r) -> const std::string& { return r.fixName; }, fix);
+  Find(
+      s.Waypoint, s.WaypointLast, ident,
+      [](const WaypointRow& r) -> const std::string& { return r.ident; }, fix) ||
+      Find(
+          s.Ndb, s.NdbLast, ident, [](const NdbRow& r) -> const std::string& { return r.ident; },
+          fix) ||
+      Find(
+          s.Vor, s.VorLast, ident, [](const VorRow& r) -> const std::string& { return r.ident; },
+          fix) ||
+      Find(
+          s.RwyEnd, s.RwyLast, ident,
+          [](const RwyEndRow& r) -> const std::string& { return r.fixName; }, fix);
   return fix;
 }
 

@@ -6,9 +6,9 @@
 namespace velmora {
 
 struct View {
-  std::int32_t Zoom = 2;  // grid units per twip, even, 2 to 50
-  std::int32_t PanX = 0;  // twips the plan and overlay are shifted right
-  std::int32_t PanY = 0;  // twips shifted down
+  std::int32_t Zoom = 2;     // grid units per twip, even, 2 to 50
+  std::int32_t PanX = 0;     // twips the plan and overlay are shifted right
+  std::int32_t PanY = 0;     // twips shifted down
   std::int32_t OriginX = 0;  // grid X at canvas X 0
   std::int32_t OriginY = 0;  // grid Y at canvas Y 10000
 };

@@ -8,7 +8,8 @@ namespace velmora {
 
 std::int32_t RoundEven(double value) {
   const double r = std::nearbyint(value);  // default mode: ties to even
-  if (!(r >= std::numeric_limits<std::int32_t>::min())) return std::numeric_limits<std::int32_t>::min();
+  if (!(r >= std::numeric_limits<std::int32_t>::min()))
+    return std::numeric_limits<std::int32_t>::min();
   if (r > std::numeric_limits<std::int32_t>::max()) return std::numeric_limits<std::int32_t>::max();
   return static_cast<std::int32_t>(r);
 }
@@ -32,13 +33,29 @@ std::optional<double> ParseNumber(std::string_view text) {
   }
   // from_chars would take "inf", "nan" and exponents; the files hold plain decimals only.
   if (text.empty() || text == ".") return std::nullopt;
+  std::uint64_t digits = 0;
+  int count = 0, decimals = 0;
+  bool point = false;
   for (char c : text) {
-    if (!((c >= '0' && c <= '9') || c == '.')) return std::nullopt;
+    if (c == '.' && !point) {
+      point = true;
+    } else if (c >= '0' && c <= '9') {
+      digits = digits * 10 + static_cast<std::uint64_t>(c - '0');
+      ++count;
+      if (point) ++decimals;
+    } else {
+      return std::nullopt;
+    }
   }
   double value = 0;
-  const auto [ptr, ec] = std::from_chars(text.data(), text.data() + text.size(), value,
-                                         std::chars_format::fixed);
-  if (ec != std::errc() || ptr != text.data() + text.size()) return std::nullopt;
+  if (count <= 15) {
+    // Both numbers are exact in a double, so the quotient is rounded once, as from_chars does.
+    static constexpr double kPow10[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                        1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    value = static_cast<double>(digits) / kPow10[decimals];
+  } else {
+    std::from_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed);
+  }
   return negative ? -value : value;
 }
 

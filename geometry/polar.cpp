@@ -7,7 +7,9 @@
 namespace velmora {
 namespace {
 
-double SinDeg(std::int32_t degrees) { return std::sin(degrees * 0.0174532925199433); }
+double SinDeg(std::int32_t degrees) {
+  return std::sin(degrees * 0.0174532925199433);
+}
 
 }  // namespace
 

@@ -8,8 +8,7 @@ namespace velmora {
 namespace {
 
 std::string Colour(Rgb c) {
-  return "rgb(" + std::to_string(c.r) + ',' + std::to_string(c.g) + ',' + std::to_string(c.b) +
-         ')';
+  return "rgb(" + std::to_string(c.r) + ',' + std::to_string(c.g) + ',' + std::to_string(c.b) + ')';
 }
 
 std::string Stroke(const Pen& p) {
@@ -24,10 +23,17 @@ std::string Escape(std::string_view utf8) {
   std::string out;
   for (char c : utf8) {
     switch (c) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      default: out += c;
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      default:
+        out += c;
     }
   }
   return out;
@@ -45,8 +51,8 @@ void SvgCanvas::drawCls() {
 
 void SvgCanvas::drawLine(const Pen& p, std::int32_t x1, std::int32_t y1, std::int32_t x2,
                          std::int32_t y2) {
-  body_ << "<line x1=\"" << x1 << "\" y1=\"" << y1 << "\" x2=\"" << x2 << "\" y2=\"" << y2
-        << "\" " << Stroke(p) << "/>\n";
+  body_ << "<line x1=\"" << x1 << "\" y1=\"" << y1 << "\" x2=\"" << x2 << "\" y2=\"" << y2 << "\" "
+        << Stroke(p) << "/>\n";
 }
 
 void SvgCanvas::drawCircle(const Pen& p, std::int32_t x, std::int32_t y, std::int32_t radius) {
@@ -57,18 +63,17 @@ void SvgCanvas::drawCircle(const Pen& p, std::int32_t x, std::int32_t y, std::in
 void SvgCanvas::drawText(const Pen& p, std::string_view text) {
   // Print places the top of the text at CurrentY; SVG places the baseline, about 0.9 em lower.
   const int em = p.FontSize * 20;
-  body_ << "<text x=\"" << p.CurrentX << "\" y=\"" << p.CurrentY + em * 9 / 10
-        << "\" font-size=\"" << em << '"' << (p.FontBold ? " font-weight=\"bold\"" : "")
-        << " fill=\"" << Colour(p.ForeColor) << "\">" << Escape(Cp1252ToUtf8(text))
-        << "</text>\n";
+  body_ << "<text x=\"" << p.CurrentX << "\" y=\"" << p.CurrentY + em * 9 / 10 << "\" font-size=\""
+        << em << '"' << (p.FontBold ? " font-weight=\"bold\"" : "") << " fill=\""
+        << Colour(p.ForeColor) << "\">" << Escape(Cp1252ToUtf8(text)) << "</text>\n";
 }
 
 std::string SvgCanvas::document() const {
   std::ostringstream doc;
   doc.imbue(std::locale::classic());
   doc << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << Width / kTwipsPerPixel
-      << "\" height=\"" << Height / kTwipsPerPixel << "\" viewBox=\"0 0 " << Width << ' '
-      << Height << "\">\n"
+      << "\" height=\"" << Height / kTwipsPerPixel << "\" viewBox=\"0 0 " << Width << ' ' << Height
+      << "\">\n"
       << "<g font-family=\"Lucida Sans Unicode, DejaVu Sans, sans-serif\" "
          "xml:space=\"preserve\">\n"
       << body_.str() << "</g>\n</svg>\n";

@@ -19,7 +19,9 @@ void TraceCanvas::caption(std::string_view text) {
   out_ << "caption " << Cp1252ToUtf8(text) << '\n';
 }
 
-void TraceCanvas::drawCls() { out_ << "cls\n"; }
+void TraceCanvas::drawCls() {
+  out_ << "cls\n";
+}
 
 void TraceCanvas::drawLine(const Pen& p, std::int32_t x1, std::int32_t y1, std::int32_t x2,
                            std::int32_t y2) {

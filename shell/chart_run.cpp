@@ -19,11 +19,21 @@ std::string JsonString(std::string_view cp1252) {
   std::string out = "\"";
   for (char c : Cp1252ToUtf8(cp1252)) {
     switch (c) {
-      case '"': out += "\\\""; break;
-      case '\\': out += "\\\\"; break;
-      case '\r': out += "\\r"; break;
-      case '\n': out += "\\n"; break;
-      case '\t': out += "\\t"; break;
+      case '"':
+        out += "\\\"";
+        break;
+      case '\\':
+        out += "\\\\";
+        break;
+      case '\r':
+        out += "\\r";
+        break;
+      case '\n':
+        out += "\\n";
+        break;
+      case '\t':
+        out += "\\t";
+        break;
       default:
         if (static_cast<unsigned char>(c) < 0x20) {
           const char* hex = "0123456789abcdef";
@@ -172,8 +182,7 @@ std::string ChartUsage() {
 }
 
 std::optional<ChartOptions> ParseChartArgs(const std::vector<std::string>& args,
-                                           const std::filesystem::path& exeDir,
-                                           std::ostream& err) {
+                                           const std::filesystem::path& exeDir, std::ostream& err) {
   ChartOptions o;
   o.dataDir = exeDir;
   std::string airport, approach;
@@ -235,7 +244,8 @@ bool WriteSvg(const RecordingCanvas& picture, const std::filesystem::path& path,
 int RunChart(const ChartOptions& options, const PictureWriter& writePicture, std::ostream& out,
              std::ostream& err) {
   Sink traceSink, stateSink;
-  if (!traceSink.open(options.tracePath, out, err) || !stateSink.open(options.statePath, out, err)) {
+  if (!traceSink.open(options.tracePath, out, err) ||
+      !stateSink.open(options.statePath, out, err)) {
     return 1;
   }
   std::ostream* trace = traceSink.get();

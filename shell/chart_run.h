@@ -29,17 +29,16 @@ std::optional<ChartOptions> ParseChartArgs(const std::vector<std::string>& args,
 
 // Writes `picture` to `path` in the format its extension names; false with a message on
 // failure or for an unknown format.
-using PictureWriter = std::function<bool(const RecordingCanvas& picture,
-                                         const std::filesystem::path& path, double scale,
-                                         std::ostream& err)>;
+using PictureWriter =
+    std::function<bool(const RecordingCanvas& picture, const std::filesystem::path& path,
+                       double scale, std::ostream& err)>;
 
 // Exit status: 0 done, 1 an output could not be written, 2 a step can't be run.
 int RunChart(const ChartOptions& options, const PictureWriter& writePicture, std::ostream& out,
              std::ostream& err);
 
 // SVG is written by the core itself.
-bool WriteSvg(const RecordingCanvas& picture, const std::filesystem::path& path,
-              std::ostream& err);
+bool WriteSvg(const RecordingCanvas& picture, const std::filesystem::path& path, std::ostream& err);
 
 std::string ChartUsage();
 

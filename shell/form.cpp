@@ -13,8 +13,8 @@ namespace velmora {
 namespace {
 
 constexpr std::array<std::string_view, 8> kProgress = {
-    "searching for ",      "searching for . ",      "searching for .. ",
-    "searching for ... ",  "searching for .... ",   "searching for ..... ",
+    "searching for ",        "searching for . ",      "searching for .. ",
+    "searching for ... ",    "searching for .... ",   "searching for ..... ",
     "searching for ...... ", "searching for ....... "};
 
 std::string VorProblem(const VorReport& r) {
@@ -51,8 +51,8 @@ void ArptForm::Form_Load(std::string_view commandLine) {
     controls_.txtSearch.text = CmdIdent;
   }
   view_.Zoom = kZoomMin;
-  for (Control* c : {&controls_.cmdArpt, &controls_.cmdPlus, &controls_.cmdMinus,
-                     &controls_.cmdZoom}) {
+  for (Control* c :
+       {&controls_.cmdArpt, &controls_.cmdPlus, &controls_.cmdMinus, &controls_.cmdZoom}) {
     c->enabled = false;
   }
   controls_.cmbAPP.enabled = false;

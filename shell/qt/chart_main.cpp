@@ -1,10 +1,9 @@
 // velmora-chart: the window's logic without a window, for scripts, tests and printing.
 
-#include <QCoreApplication>
-#include <QGuiApplication>
-
 #include <unistd.h>
 
+#include <QCoreApplication>
+#include <QGuiApplication>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
@@ -17,8 +16,8 @@ int main(int argc, char** argv) {
   if (std::getenv("QT_QPA_PLATFORM") == nullptr) setenv("QT_QPA_PLATFORM", "offscreen", 1);
   // Qt wants a private runtime folder even offscreen; give it one rather than a warning.
   if (std::getenv("XDG_RUNTIME_DIR") == nullptr) {
-    const auto dir = std::filesystem::temp_directory_path() /
-                     ("velmora-runtime-" + std::to_string(getuid()));
+    const auto dir =
+        std::filesystem::temp_directory_path() / ("velmora-runtime-" + std::to_string(getuid()));
     std::error_code ec;
     std::filesystem::create_directories(dir, ec);
     std::filesystem::permissions(dir, std::filesystem::perms::owner_all, ec);
@@ -26,8 +25,7 @@ int main(int argc, char** argv) {
   }
   QGuiApplication app(argc, argv);
   std::vector<std::string> args(argv + 1, argv + argc);
-  const std::filesystem::path exeDir =
-      QCoreApplication::applicationDirPath().toStdString();
+  const std::filesystem::path exeDir = QCoreApplication::applicationDirPath().toStdString();
   const auto options = velmora::ParseChartArgs(args, exeDir, std::cerr);
   if (!options) return 2;
   return velmora::RunChart(*options, velmora::WritePicture, std::cout, std::cerr);

@@ -1,7 +1,6 @@
 // velmora: the charting window. The command line, as one text, goes into the search box.
 
 #include <QApplication>
-
 #include <locale>
 #include <stdexcept>
 

@@ -11,14 +11,16 @@
 namespace velmora {
 namespace {
 
-int Px(int twips) { return (twips + Canvas::kTwipsPerPixel / 2) / Canvas::kTwipsPerPixel; }
+int Px(int twips) {
+  return (twips + Canvas::kTwipsPerPixel / 2) / Canvas::kTwipsPerPixel;
+}
 
 QRect TwipRect(int left, int top, int width, int height) {
   return QRect(Px(left), Px(top), Px(width), Px(height));
 }
 
 QString ToQt(const std::string& cp1252) {
-  return QString::fromStdString(Cp1252ToUtf8(cp1252));
+  return FromCp1252(cp1252);
 }
 
 // "Lucida Console" where the machine has it, else a monospace of the same build.
@@ -140,8 +142,8 @@ MainWindow::MainWindow(std::filesystem::path dataDir, const std::string& command
     box->setInsertPolicy(QComboBox::NoInsert);
     box->setFont(ConsoleFont(14.25, false));
   }
-  QWidget* order[] = {picArpt_, txtSearch_, cmdSearch_, cmdExit_, cmdArpt_, cmdPlus_,
-                      cmdMinus_, cmdZoom_, cmbAPP_, cmbTerm_};
+  QWidget* order[] = {picArpt_, txtSearch_, cmdSearch_, cmdExit_, cmdArpt_,
+                      cmdPlus_, cmdMinus_,  cmdZoom_,   cmbAPP_,  cmbTerm_};
   for (std::size_t i = 0; i + 1 < std::size(order); ++i) setTabOrder(order[i], order[i + 1]);
 
   form_ = std::make_unique<ArptForm>(*store_, picArpt_->canvas(), std::move(dataDir));
@@ -153,21 +155,23 @@ MainWindow::MainWindow(std::filesystem::path dataDir, const std::string& command
 
   connect(txtSearch_, &QLineEdit::textEdited, this,
           [this](const QString& text) { form_->setSearchText(Utf8ToCp1252(text.toStdString())); });
-  connect(cmdSearch_, &QPushButton::clicked, this, [this] { run([&] { form_->cmdSearch_Click(); }); });
+  connect(cmdSearch_, &QPushButton::clicked, this,
+          [this] { run([&] { form_->cmdSearch_Click(); }); });
   // Enter searches, as with a default button, except in the lists, where it picks a row.
   for (auto key : {Qt::Key_Return, Qt::Key_Enter}) {
     connect(new QShortcut(QKeySequence(key), this), &QShortcut::activated, this, [this] {
       const QWidget* focus = focusWidget();
-      const bool inList = focus != nullptr && (cmbAPP_->isAncestorOf(focus) ||
-                                               cmbTerm_->isAncestorOf(focus) ||
-                                               focus == cmbAPP_ || focus == cmbTerm_);
+      const bool inList =
+          focus != nullptr && (cmbAPP_->isAncestorOf(focus) || cmbTerm_->isAncestorOf(focus) ||
+                               focus == cmbAPP_ || focus == cmbTerm_);
       if (!inList) cmdSearch_->click();
     });
   }
   connect(cmdExit_, &QPushButton::clicked, this, &QWidget::close);
   connect(cmdArpt_, &QPushButton::clicked, this, [this] { run([&] { form_->cmdArpt_Click(); }); });
   connect(cmdPlus_, &QPushButton::clicked, this, [this] { run([&] { form_->cmdPlus_Click(); }); });
-  connect(cmdMinus_, &QPushButton::clicked, this, [this] { run([&] { form_->cmdMinus_Click(); }); });
+  connect(cmdMinus_, &QPushButton::clicked, this,
+          [this] { run([&] { form_->cmdMinus_Click(); }); });
   connect(cmdZoom_, &QPushButton::clicked, this, [this] { run([&] { form_->cmdZoom_Click(); }); });
   connect(cmbAPP_, &QComboBox::activated, this,
           [this](int row) { run([&] { form_->cmbAPP_Click(row); }); });

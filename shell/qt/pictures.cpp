@@ -3,7 +3,6 @@
 #include <QPageLayout>
 #include <QPageSize>
 #include <QPdfWriter>
-
 #include <algorithm>
 #include <ostream>
 
@@ -21,11 +20,13 @@ bool WritePdf(const RecordingCanvas& picture, const QString& path) {
   QPainter painter;
   if (!painter.begin(&writer)) return false;
   painter.setRenderHint(QPainter::Antialiasing);
-  const double fit = std::min(writer.width() / double(Canvas::Width),
-                              writer.height() / double(Canvas::Height));
+  // The canvas counts screen pixels; fit them to the page.
+  const double pixels = Canvas::kTwipsPerPixel;
+  const double fit = std::min(writer.width() / (Canvas::Width / pixels),
+                              writer.height() / (Canvas::Height / pixels));
   painter.scale(fit, fit);
-  painter.setClipRect(QRectF(0, 0, Canvas::Width, Canvas::Height));
-  QtCanvas canvas(&painter);
+  painter.setClipRect(QRectF(0, 0, Canvas::Width / pixels, Canvas::Height / pixels));
+  QtCanvas canvas(&painter, 96.0 / writer.resolution());
   picture.replay(canvas);
   return painter.end();
 }
@@ -35,7 +36,8 @@ bool WritePdf(const RecordingCanvas& picture, const QString& path) {
 bool WritePicture(const RecordingCanvas& picture, const std::filesystem::path& path, double scale,
                   std::ostream& err) {
   std::string ext = path.extension().string();
-  std::transform(ext.begin(), ext.end(), ext.begin(), [](unsigned char c) { return std::tolower(c); });
+  std::transform(ext.begin(), ext.end(), ext.begin(),
+                 [](unsigned char c) { return std::tolower(c); });
   const QString file = QString::fromStdString(path.string());
   bool ok = false;
   if (ext == ".png") {

@@ -1,8 +1,6 @@
 #include "shell/qt/qt_canvas.h"
 
 #include <QFontDatabase>
-#include <QFontMetricsF>
-
 #include <cmath>
 
 #include "data/text.h"
@@ -10,7 +8,14 @@
 namespace velmora {
 namespace {
 
-QColor ToQColor(Rgb c) { return QColor(c.r, c.g, c.b); }
+QColor ToQColor(Rgb c) {
+  return QColor(c.r, c.g, c.b);
+}
+
+// Painters count screen pixels of 15 twips: Qt lays out text fastest untransformed.
+double Px(double twips) {
+  return twips / Canvas::kTwipsPerPixel;
+}
 
 // Far-off shapes are normal (a VOR far north, a scale tick at low zoom); skip those that
 // can't touch the canvas rather than hand the painter millions of twips.
@@ -25,7 +30,8 @@ bool Outside(double left, double top, double right, double bottom) {
 QString ChartFontFamily() {
   static const QString family = [] {
     const QStringList families = QFontDatabase::families();
-    for (const QString& wanted : {QStringLiteral("Lucida Sans Unicode"), QStringLiteral("DejaVu Sans")}) {
+    for (const QString& wanted :
+         {QStringLiteral("Lucida Sans Unicode"), QStringLiteral("DejaVu Sans")}) {
       if (families.contains(wanted)) return wanted;
     }
     return QStringLiteral("Sans Serif");
@@ -33,16 +39,25 @@ QString ChartFontFamily() {
   return family;
 }
 
-QFont ChartFont(int points, bool bold) {
+QString FromCp1252(std::string_view text) {
+  QString out(static_cast<qsizetype>(text.size()), Qt::Uninitialized);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    out[static_cast<qsizetype>(i)] =
+        QChar(static_cast<char16_t>(Cp1252CodePoint(static_cast<unsigned char>(text[i]))));
+  }
+  return out;
+}
+
+QFont ChartFont(int points, bool bold, double fontScale) {
   QFont font(ChartFontFamily());
-  font.setPixelSize(points * 20);  // 20 twips to the point
+  font.setPointSizeF(points * fontScale);
   font.setBold(bold);
   return font;
 }
 
 void QtCanvas::applyPen(const Pen& pen) {
-  // DrawWidth counts screen pixels of 15 twips; dots only on the thinnest pen.
-  QPen qpen(ToQColor(pen.ForeColor), pen.DrawWidth * kTwipsPerPixel);
+  // DrawWidth counts screen pixels; dots only on the thinnest pen.
+  QPen qpen(ToQColor(pen.ForeColor), pen.DrawWidth);
   const bool dotted = pen.DrawStyle == kDotted && pen.DrawWidth == 1;
   qpen.setStyle(dotted ? Qt::DotLine : Qt::SolidLine);
   qpen.setCapStyle(pen.DrawWidth > 1 ? Qt::RoundCap : Qt::FlatCap);
@@ -51,36 +66,54 @@ void QtCanvas::applyPen(const Pen& pen) {
 }
 
 void QtCanvas::drawCls() {
-  painter_->fillRect(QRectF(0, 0, Width, Height), ToQColor(kPictureBackground));
+  painter_->fillRect(QRectF(0, 0, Px(Width), Px(Height)), ToQColor(kPictureBackground));
 }
 
 void QtCanvas::drawLine(const Pen& pen, std::int32_t x1, std::int32_t y1, std::int32_t x2,
                         std::int32_t y2) {
   if (Outside(std::min(x1, x2), std::min(y1, y2), std::max(x1, x2), std::max(y1, y2))) return;
   applyPen(pen);
-  painter_->drawLine(QPointF(x1, y1), QPointF(x2, y2));
+  painter_->drawLine(QPointF(Px(x1), Px(y1)), QPointF(Px(x2), Px(y2)));
 }
 
 void QtCanvas::drawCircle(const Pen& pen, std::int32_t x, std::int32_t y, std::int32_t radius) {
   const double r = std::abs(static_cast<double>(radius));
   if (Outside(x - r, y - r, x + r, y + r)) return;
   applyPen(pen);
-  painter_->drawEllipse(QPointF(x, y), r, r);
+  painter_->drawEllipse(QPointF(Px(x), Px(y)), Px(r), Px(r));
+}
+
+const QFont& QtCanvas::font(int points, bool bold) {
+  const int key = points * 2 + (bold ? 1 : 0);
+  auto it = fonts_.find(key);
+  if (it == fonts_.end()) it = fonts_.emplace(key, ChartFont(points, bold, fontScale_)).first;
+  return it->second;
 }
 
 void QtCanvas::drawText(const Pen& pen, std::string_view text) {
   // No label of the chart is near 30000 twips long or 400 high.
   if (Outside(pen.CurrentX, pen.CurrentY, pen.CurrentX + 30000.0, pen.CurrentY + 400.0)) return;
-  const QFont font = ChartFont(pen.FontSize, pen.FontBold);
-  painter_->setFont(font);
+  const QFont& f = font(pen.FontSize, pen.FontBold);
+  painter_->setFont(f);
   painter_->setPen(ToQColor(pen.ForeColor));
-  // Print puts the top of the text at CurrentY.
-  const double ascent = QFontMetricsF(font).ascent();
-  painter_->drawText(QPointF(pen.CurrentX, pen.CurrentY + ascent),
-                     QString::fromStdString(Cp1252ToUtf8(text)));
+  const QString key = QChar(pen.FontSize * 2 + (pen.FontBold ? 1 : 0)) + FromCp1252(text);
+  auto it = labels_.find(key);
+  if (it == labels_.end()) {
+    constexpr qsizetype kMaxLabels = 50000;
+    if (labels_.size() > kMaxLabels) labels_.clear();
+    QStaticText label(key.mid(1));
+    label.setTextFormat(Qt::PlainText);
+    label.setPerformanceHint(QStaticText::AggressiveCaching);
+    label.prepare(painter_->transform(), f);
+    it = labels_.insert(key, label);
+  }
+  // QStaticText places the top of the text at the point, as Print does.
+  painter_->drawStaticText(QPointF(Px(pen.CurrentX), Px(pen.CurrentY)), *it);
 }
 
-RasterCanvas::RasterCanvas(double pixelRatio) { setPixelRatio(pixelRatio); }
+RasterCanvas::RasterCanvas(double pixelRatio) {
+  setPixelRatio(pixelRatio);
+}
 
 RasterCanvas::~RasterCanvas() {
   if (painter_.isActive()) painter_.end();
@@ -98,8 +131,6 @@ void RasterCanvas::setPixelRatio(double pixelRatio) {
   painter_.setRenderHint(QPainter::Antialiasing);
   painter_.setRenderHint(QPainter::TextAntialiasing);
   // The image has its device pixel ratio set, so the painter already counts screen pixels.
-  painter_.scale(1.0 / kTwipsPerPixel, 1.0 / kTwipsPerPixel);
-  painter_.setClipRect(QRectF(0, 0, Width, Height));
   setPainter(&painter_);
 }
 

@@ -1,11 +1,14 @@
 #pragma once
-// The chart canvas on Qt: a QPainter whose units are twips. RasterCanvas keeps the picture in
-// a QImage, so a covered window loses nothing and the window and a PNG show the same pixels.
+// The chart canvas on Qt: a QPainter in screen pixels of 15 twips. RasterCanvas keeps the picture
+// in a QImage, so a covered window loses nothing and the window and a PNG show the same pixels.
 
 #include <QFont>
+#include <QHash>
 #include <QImage>
 #include <QPainter>
+#include <QStaticText>
 #include <QString>
+#include <map>
 
 #include "geometry/canvas.h"
 
@@ -13,13 +16,17 @@ namespace velmora {
 
 // "Lucida Sans Unicode" where the machine has it, else DejaVu Sans, which the build requires.
 QString ChartFontFamily();
-// The chart font at `points`, sized in twips for a painter that draws in twips.
-QFont ChartFont(int points, bool bold);
+// The chart font at `points` on a 96 dpi device; `fontScale` is 96 / the device's dpi.
+QFont ChartFont(int points, bool bold, double fontScale = 1.0);
+// Windows-1252 text as Qt text.
+QString FromCp1252(std::string_view text);
 
 class QtCanvas : public Canvas {
  public:
-  // `painter` must be set up so that one unit is one twip.
-  explicit QtCanvas(QPainter* painter = nullptr) : painter_(painter) {}
+  // `painter` must count screen pixels (15 twips each) of a device whose fonts come out at
+  // 96 / `fontScale` dots per inch.
+  explicit QtCanvas(QPainter* painter = nullptr, double fontScale = 1.0)
+      : painter_(painter), fontScale_(fontScale) {}
 
   void drawCls() override;
   void drawLine(const Pen& pen, std::int32_t x1, std::int32_t y1, std::int32_t x2,
@@ -32,7 +39,15 @@ class QtCanvas : public Canvas {
 
  private:
   void applyPen(const Pen& pen);
+  const QFont& font(int points, bool bold);
+
   QPainter* painter_;
+  double fontScale_;
+  // A chart uses a handful of sizes; building a QFont per label would cost more than drawing.
+  std::map<int, QFont> fonts_;
+  // Laid-out labels: shaping each text anew is most of a redraw's time, and every zoom step
+  // prints the same labels again.
+  QHash<QString, QStaticText> labels_;
 };
 
 class RasterCanvas final : public QtCanvas {
