@@ -1,0 +1,216 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "data/text.h"
+#include "shell/chart_run.h"
+#include "test_support.h"
+
+namespace velmora::test {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// XTST at N10 00.00 E10 00.00, behind another airport; at Zoom 16 a minute is 225 twips.
+// GPS 9: WPA (6100,4100) to RW09 (6550,5000), transitions VOR VOA and INT WPA. VOR 27: VOA.
+// Lines are split at '|'.
+constexpr std::string_view kAirport =
+    R"(<Airport ident="XOTHER"|lat="N50 00.00"|</Airport>|<Airport ident="XTST"|lat="N10 00.00")"
+    R"(|lon="E10 00.00">|<Start type="RUNWAY"|number="9" designator="NONE"|lat="N10 00.00")"
+    R"(|lon="E9 58.00"|heading="90.0"/>|<Waypoint|waypointIdent="WPA"|lat="N10 04.00")"
+    R"(|lon="E9 56.00"/>|<Approach type="GPS"|runway="9"|designator="NONE">|<Leg type="IF")"
+    R"(|fixIdent="WPA"|/>|<Leg type="TF"|fixIdent="RW09"|/>|<Transition|fixType="VOR")"
+    R"(|fixIdent="VOA">|</Transition>|<Transition|fixType="INT"|fixIdent="WPA">|</Transition>)"
+    R"(|</Approach>|<Approach type="VOR"|runway="27"|designator="NONE">|<Leg type="IF")"
+    R"(|fixIdent="VOA"|recommendedIdent="VOA"|/>|</Approach>|</Airport>)";
+const std::string kFound = "XTST-InfoOne-InfoTwo-x.txt";
+
+void WriteWorld(const TempDir& d, bool index = true, bool vor = true) {
+  if (index)
+    d.write("Arpt index.txt",
+            CrLf({"XTST;Info One;Info Two;x.txt", "XNOF;a;b;x.txt", "XMIS;a;b;no.txt"}));
+  if (vor) d.write("vor.nav", CrLf({"VOR A;10;2.00;9;59.00;H;VOA;113.40"}));  // at (7450, 5225)
+  Lines lines;
+  for (std::string_view line : Split(kAirport, '|')) lines.emplace_back(line);
+  d.write("FSXFiles/x.txt", CrLf(lines));
+}
+
+// What was drawn: the trace without its captions.
+Lines Drawn(const Lines& t) {
+  Lines d;
+  std::ranges::copy_if(t, std::back_inserter(d), [](auto& l) { return !l.starts_with("caption"); });
+  return d;
+}
+long Count(const Lines& t, std::string_view part) {
+  return std::ranges::count_if(t, [&](auto& l) { return l.find(part) != l.npos; });
+}
+
+// caption|txtSearch|enabled flags|cmdArpt|cmdZoom|cmbAPP|its rows|cmbTerm|its rows; the flags
+// are txtSearch, cmdSearch, cmdExit, cmdArpt, cmdZoom, cmdPlus, cmdMinus, cmbAPP, cmbTerm.
+std::string Describe(const Controls& c) {
+  std::string text = c.caption + "|" + c.txtSearch.text + "|";
+  for (bool on : {c.txtSearch.enabled, c.cmdSearch.enabled, c.cmdExit.enabled, c.cmdArpt.enabled,
+                  c.cmdZoom.enabled, c.cmdPlus.enabled, c.cmdMinus.enabled, c.cmbAPP.enabled,
+                  c.cmbTerm.enabled}) {
+    text += on ? '1' : '0';
+  }
+  text += "|" + c.cmdArpt.text + "|" + c.cmdZoom.text;
+  for (const ComboBox* box : {&c.cmbAPP, &c.cmbTerm}) {
+    text += "|" + box->text + "|";
+    for (const auto& row : box->rows) text += row + (&row == &box->rows.back() ? "" : ",");
+  }
+  return text;
+}
+
+TEST(Form, ControlStatesAlongTheRoad) {
+  TempDir d;
+  WriteWorld(d);
+  Harness h(d.path(), "xtst");
+  ArptForm& f = h.form();
+  const auto state = [&] { return Describe(f.controls()); };
+  const std::string shown = "|Show XTST Chart|Reset Position\rZoom Level= 16|";
+  const std::string picked = shown + "GPS 9|GPS 9,VOR 27|XTST Term|VOR VOA";
+  EXPECT_EQ(state(), "Velmora|xtst|111000000|APP Chart|Reset Zoom|Approach||Terminal|");
+  f.picArpt_MouseDown(1, 0, 3000, 3000);  // before any load: nothing to move
+  EXPECT_TRUE(Drawn(h.takeTrace()).empty());
+  EXPECT_NE(f.controls().caption, "Velmora");
+  f.cmdSearch_Click();
+  EXPECT_EQ(state(), kFound + "||111100000|Show XTST Chart|Reset Zoom|Approach||Terminal|");
+  EXPECT_EQ(Drawn(h.takeTrace()), Lines{"cls"});
+  f.cmdArpt_Click();
+  EXPECT_EQ(state(), kFound + "||111111110" + shown + "XTST APP|GPS 9,VOR 27|XTST Term|");
+  EXPECT_EQ(Count(h.takeTrace(), "print 100 100 0,0,0 14 1 XTST"), 1);
+  f.cmbAPP_Click(0);
+  EXPECT_EQ(state(), kFound + "||111111111" + picked);
+  EXPECT_EQ(Count(h.takeTrace(), "line 6100 4100 6550 5000 0,128,0 2 0"), 1);
+  f.setSearchText("zzzz");
+  f.cmdSearch_Click();
+  EXPECT_EQ(state(), "Sorry, ZZZZ is not in the Index!||111100011" + picked);
+  EXPECT_EQ(Drawn(h.takeTrace()), Lines{"cls"});
+  f.setSearchText("xtst");
+  f.cmdSearch_Click();
+  EXPECT_EQ(state(), kFound + "||111100001" + picked);
+}
+
+TEST(Form, SearchProgressEvery3000RejectedLines) {
+  TempDir d;
+  WriteWorld(d);
+  Lines index;
+  for (int i = 0; i < 19999; ++i) index.push_back("F" + std::to_string(i) + ";a;b;x.txt");
+  index.push_back("XTST;Info One;Info Two;x.txt");  // line 20,000
+  d.write("Arpt index.txt", CrLf(index));
+  Harness h(d.path());
+  h.form().setSearchText("xtst");
+  h.form().cmdSearch_Click();
+  Lines want;
+  for (int dots = 0; dots <= 6; ++dots) {
+    want.push_back("caption searching for " + std::string(dots, '.') + (dots ? " " : "") + "XTST");
+  }
+  want.push_back("caption " + kFound);
+  EXPECT_EQ(Filter(h.takeTrace(), "caption "), want);
+}
+
+// XTST loaded, its trace taken.
+class Loaded : public ::testing::Test {
+ protected:
+  Loaded() { h.load("xtst"), h.takeTrace(); }
+  TempDir d;
+  Harness h{(WriteWorld(d), d.path())};
+  ArptForm& f = h.form();
+};
+
+TEST_F(Loaded, ClicksRecentreZoomKeepsThePanResetKeepsTheZoom) {
+  for (int i = 0; i < 2; ++i) f.picArpt_MouseDown(2, 1, 7101.5, 4998.5);  // 7102, 4998
+  f.picArpt_MouseDown(1, 0, 7000.5, 4999.5);  // ties to even: 7000, 5000 moves nothing
+  EXPECT_EQ(f.view().PanX, -204);
+  EXPECT_EQ(f.view().PanY, 4);
+  const Lines t = h.takeTrace();
+  EXPECT_EQ(Count(t, "cls"), 3);
+  EXPECT_EQ(Count(t, "circle 6796 5004 3000 192,192,0"), 2);
+  EXPECT_EQ(Count(t, "line 6800 5000 7200 5000 192,192,0"), 3);  // the cross stays
+  f.cmdPlus_Click();
+  EXPECT_EQ(f.controls().cmdZoom.text, "Reset Position\rZoom Level=14");
+  EXPECT_EQ(Count(h.takeTrace(), "circle 6796 5004 3429 192,192,0"), 1);
+  f.cmdZoom_Click();
+  EXPECT_EQ(f.controls().cmdZoom.text, "Reset Position\rZoom Level=14");
+  EXPECT_EQ(Count(h.takeTrace(), "circle 7000 5000 3429 192,192,0"), 1);
+}
+
+TEST_F(Loaded, ZoomStopsAt2And50AndStillRedraws) {
+  for (int i = 0; i < 8; ++i) f.cmdPlus_Click();
+  EXPECT_EQ(f.controls().cmdZoom.text, "Reset Position\rZoom Level=2");
+  EXPECT_EQ(Count(h.takeTrace(), "print 30000 9900 192,0,0 8 0 10"), 2);  // 2, and 2 again
+  for (int i = 0; i < 25; ++i) f.cmdMinus_Click();
+  EXPECT_EQ(f.controls().cmdZoom.text, "Reset Position\rZoom Level=50");
+  EXPECT_EQ(Count(h.takeTrace(), "print 6960 9900 192,0,0 8 0 10"), 2);
+}
+
+TEST_F(Loaded, PickPutsThePlanOnTopAndRedrawsKeepTerminalRows) {
+  f.cmbAPP_Click(0);
+  Lines t = h.takeTrace();
+  EXPECT_EQ(Count(t, "ARP"), 2);
+  EXPECT_EQ(t.back(), "print 7950 5425 0,0,255 10 1 113.40");  // the plan's last VOR label
+  for (auto step :
+       {&ArptForm::cmdPlus_Click, &ArptForm::cmdPlus_Click, &ArptForm::cmdMinus_Click}) {
+    (f.*step)();
+    EXPECT_EQ(f.controls().cmbTerm.rows, Lines{"VOR VOA"});
+  }
+  t = h.takeTrace();
+  EXPECT_EQ(Count(t, "ARP"), 3);
+  EXPECT_TRUE(t.back().starts_with("line ") && t.back().ends_with(" 0,128,0 2 0")) << t.back();
+}
+
+TEST(Form, BadFilesAreToldInTheCaptionAndDrawNothing) {
+  TempDir d;
+  WriteWorld(d, false, false);
+  Harness h(d.path());
+  EXPECT_NE(h.form().controls().caption.find("vor.nav"), std::string::npos);
+  h.form().setSearchText("xtst");
+  h.form().cmdSearch_Click();
+  EXPECT_NE(h.form().controls().caption.find("Arpt index.txt"), std::string::npos);
+  EXPECT_FALSE(h.form().controls().cmdArpt.enabled);
+  WriteWorld(d, true, false);  // the VOR list stays missing
+  for (const auto& [code, told] :
+       {std::pair{"xtst", kFound}, {"xnof", "XNOF"}, {"xmis", "no.txt"}, {"xtst", kFound}}) {
+    h.load(code);
+    EXPECT_NE(h.form().controls().caption.find(told), std::string::npos) << code;
+    h.form().picArpt_MouseDown(1, 0, 5000, 5000);
+    const Lines t = Drawn(h.takeTrace());
+    if (told == kFound) {  // drawn on load and on the click, without VORs
+      EXPECT_EQ(Count(t, "print 100 100 0,0,0 14 1 XTST"), 2);
+      EXPECT_EQ(Count(t, "0,0,255"), 0);
+    } else {
+      EXPECT_EQ(Count(t, "cls"), std::ssize(t)) << code;
+    }
+  }
+}
+
+TEST(ChartRun, StepsStatusAndState) {
+  TempDir d;
+  WriteWorld(d);
+  // clang-format off
+  const struct { Lines args; int status; std::string err; Lines out; } cases[] = {
+      {{"dance"}, 2, "unknown step 'dance'", {R"("step": 0)"}},
+      {{"type:xtst", "search", "load", "pick:9"}, 2, "pick:9", {R"("step": 3)"}},
+      {{"load", "type:xtst", "search", "load"}, 0, "cmdArpt is disabled",
+       {R"("step": 4)", R"("rows": ["GPS 9", "VOR 27"])"}},
+      {{"--airport", "xtst", "--approach", "VOR 27"}, 0, "",
+       {R"("text": "Reset Position\rZoom Level= 16")", R"("SelApp": 1, "AppSelected": true)"}}};
+  // clang-format on
+  for (const auto& k : cases) {
+    Lines args = {"--data", d.path().string(), "--state", "-"};
+    args.insert(args.end(), k.args.begin(), k.args.end());
+    std::ostringstream out, err;
+    const auto options = ParseChartArgs(args, "/nowhere", err);
+    ASSERT_TRUE(options.has_value());
+    const auto noPictures = [](const auto&, const auto&, double, std::ostream&) { return false; };
+    EXPECT_EQ(RunChart(*options, noPictures, out, err), k.status) << k.args.back();
+    for (const auto& part : k.out) EXPECT_NE(out.str().find(part), std::string::npos) << part;
+    EXPECT_EQ(out.str().find('\r'), std::string::npos);
+    EXPECT_EQ(err.str().empty(), k.err.empty()) << err.str();
+    EXPECT_NE(err.str().find(k.err), std::string::npos) << err.str();
+  }
+}
+
+}  // namespace
+}  // namespace velmora::test
