@@ -2,7 +2,7 @@
 # One entry point for people and CI:
 #   ./build.sh run    install what is missing, build, open the window on the sample data
 #                     (without a display: render the sample chart to a PNG and say where)
-#   ./build.sh test   install what is missing, build, run every test and the benchmarks
+#   ./build.sh test   install what is missing, build, run the benchmarks and every test
 #   ./build.sh shot   screenshots of the window under Xvfb into build/screenshots/
 set -euo pipefail
 cd "$(dirname "$0")"
@@ -43,8 +43,9 @@ case "${1:-}" in
   test)
     install_missing
     build
+    # Benchmarks first, so the test summary closes the output.
+    "$BUILD/bench/velmora_bench" --benchmark_color=false
     (cd "$BUILD" && ctest --output-on-failure)
-    "$BUILD/bench/velmora_bench"
     ;;
   shot)
     install_missing
