@@ -177,7 +177,7 @@ std::string Extension(const std::filesystem::path& path) {
 std::string ChartUsage() {
   return "usage: velmora-chart [--data DIR] [--trace FILE] [--state FILE] [--out FILE]...\n"
          "                     [--scale F] [--airport CODE [--approach TEXT]] STEP...\n"
-         "steps: type:TEXT search load pick:N plus minus reset click:X,Y\n"
+         "steps: type:TEXT search load pick:N approach:TEXT plus minus reset click:X,Y\n"
          "FILE '-' is standard output; --out writes .png, .svg or .pdf\n";
 }
 
