@@ -29,7 +29,7 @@ IndexSearchResult SearchIndex(const std::filesystem::path& index, std::string_vi
   result.opened = reader.open(index);
   if (!result.opened) return result;
 
-  int rejected = 0;
+  int& rejected = result.rejected;
   std::string lastField;
   std::string_view line;
   while (reader.next(line)) {

@@ -13,8 +13,9 @@ struct IndexSearchResult {
   bool opened = false;
   bool readError = false;
   bool found = false;
+  int rejected = 0;  // lines looked at before the match, or all of them
   // Fields 1 to 4 of the found line without blanks. When nothing is found, ident holds
-  // field 1 of the last line looked at and the rest stays empty.
+  // field 1 of the last line looked at, if any, and the rest stays empty.
   std::string ident, info1, info2, file;
 };
 

@@ -76,7 +76,8 @@ void ArptForm::cmdSearch_Click() {
     setCaption(std::string(kIndexFileName) + " could not be read - no search for " + SearchIdent);
     return;
   }
-  IndexIdent = r.ident;
+  // An index without lines leaves the last code as it was.
+  if (r.found || r.rejected > 0) IndexIdent = r.ident;
   if (!r.found) {
     setCaption("Sorry, " + SearchIdent + " is not in the Index!");
     return;
