@@ -35,14 +35,14 @@ void WriteWorld(const TempDir& d, bool index = true, bool vor = true) {
   d.write("FSXFiles/x.txt", CrLf(lines));
 }
 
+long Count(const Lines& t, std::string_view part) {
+  return std::ranges::count_if(t, [&](auto& l) { return l.find(part) != l.npos; });
+}
 // What was drawn: the trace without its captions.
 Lines Drawn(const Lines& t) {
   Lines d;
   std::ranges::copy_if(t, std::back_inserter(d), [](auto& l) { return !l.starts_with("caption"); });
   return d;
-}
-long Count(const Lines& t, std::string_view part) {
-  return std::ranges::count_if(t, [&](auto& l) { return l.find(part) != l.npos; });
 }
 
 // caption|txtSearch|enabled flags|cmdArpt|cmdZoom|cmbAPP|its rows|cmbTerm|its rows; the flags
@@ -103,61 +103,43 @@ TEST(Form, SearchProgressEvery3000RejectedLines) {
   h.form().setSearchText("xtst");
   h.form().cmdSearch_Click();
   Lines want;
-  for (int dots = 0; dots <= 6; ++dots) {
+  for (int dots = 0; dots <= 6; ++dots)
     want.push_back("caption searching for " + std::string(dots, '.') + (dots ? " " : "") + "XTST");
-  }
   want.push_back("caption " + kFound);
   EXPECT_EQ(Filter(h.takeTrace(), "caption "), want);
 }
 
-// XTST loaded, its trace taken.
-class Loaded : public ::testing::Test {
- protected:
-  Loaded() { h.load("xtst"), h.takeTrace(); }
+TEST(Form, RedrawsOfAPickedChartClickZoomAndReset) {
   TempDir d;
-  Harness h{(WriteWorld(d), d.path())};
+  WriteWorld(d);
+  Harness h(d.path());
   ArptForm& f = h.form();
-};
-
-TEST_F(Loaded, ClicksRecentreZoomKeepsThePanResetKeepsTheZoom) {
+  h.load("xtst"), h.takeTrace();
+  f.cmbAPP_Click(0);
+  Lines t = h.takeTrace();
+  EXPECT_EQ(Count(t, "ARP"), 2);                                          // the plan again, on top
+  EXPECT_EQ(t.back(), "print 7950 5425 0,0,255 10 1 113.40");             // its last VOR label
   for (int i = 0; i < 2; ++i) f.picArpt_MouseDown(2, 1, 7101.5, 4998.5);  // 7102, 4998
   f.picArpt_MouseDown(1, 0, 7000.5, 4999.5);  // ties to even: 7000, 5000 moves nothing
-  EXPECT_EQ(f.view().PanX, -204);
-  EXPECT_EQ(f.view().PanY, 4);
-  const Lines t = h.takeTrace();
+  EXPECT_EQ(std::pair(f.view().PanX, f.view().PanY), std::pair(-204, 4));
+  t = h.takeTrace();
   EXPECT_EQ(Count(t, "cls"), 3);
+  EXPECT_EQ(Count(t, "ARP"), 3);
   EXPECT_EQ(Count(t, "circle 6796 5004 3000 192,192,0"), 2);
   EXPECT_EQ(Count(t, "line 6800 5000 7200 5000 192,192,0"), 3);  // the cross stays
+  EXPECT_TRUE(t.back().starts_with("line ") && t.back().ends_with(" 0,128,0 2 0")) << t.back();
   f.cmdPlus_Click();
-  EXPECT_EQ(f.controls().cmdZoom.text, "Reset Position\rZoom Level=14");
-  EXPECT_EQ(Count(h.takeTrace(), "circle 6796 5004 3429 192,192,0"), 1);
+  EXPECT_EQ(Count(h.takeTrace(), "circle 6796 5004 3429 192,192,0"), 1);  // the pan stays
   f.cmdZoom_Click();
-  EXPECT_EQ(f.controls().cmdZoom.text, "Reset Position\rZoom Level=14");
+  EXPECT_EQ(f.controls().cmdZoom.text, "Reset Position\rZoom Level=14");  // the zoom stays
   EXPECT_EQ(Count(h.takeTrace(), "circle 7000 5000 3429 192,192,0"), 1);
-}
-
-TEST_F(Loaded, ZoomStopsAt2And50AndStillRedraws) {
-  for (int i = 0; i < 8; ++i) f.cmdPlus_Click();
+  for (int i = 0; i < 7; ++i) f.cmdPlus_Click();
   EXPECT_EQ(f.controls().cmdZoom.text, "Reset Position\rZoom Level=2");
   EXPECT_EQ(Count(h.takeTrace(), "print 30000 9900 192,0,0 8 0 10"), 2);  // 2, and 2 again
   for (int i = 0; i < 25; ++i) f.cmdMinus_Click();
   EXPECT_EQ(f.controls().cmdZoom.text, "Reset Position\rZoom Level=50");
   EXPECT_EQ(Count(h.takeTrace(), "print 6960 9900 192,0,0 8 0 10"), 2);
-}
-
-TEST_F(Loaded, PickPutsThePlanOnTopAndRedrawsKeepTerminalRows) {
-  f.cmbAPP_Click(0);
-  Lines t = h.takeTrace();
-  EXPECT_EQ(Count(t, "ARP"), 2);
-  EXPECT_EQ(t.back(), "print 7950 5425 0,0,255 10 1 113.40");  // the plan's last VOR label
-  for (auto step :
-       {&ArptForm::cmdPlus_Click, &ArptForm::cmdPlus_Click, &ArptForm::cmdMinus_Click}) {
-    (f.*step)();
-    EXPECT_EQ(f.controls().cmbTerm.rows, Lines{"VOR VOA"});
-  }
-  t = h.takeTrace();
-  EXPECT_EQ(Count(t, "ARP"), 3);
-  EXPECT_TRUE(t.back().starts_with("line ") && t.back().ends_with(" 0,128,0 2 0")) << t.back();
+  EXPECT_EQ(f.controls().cmbTerm.rows, Lines{"VOR VOA"});
 }
 
 TEST(Form, BadFilesAreToldInTheCaptionAndDrawNothing) {
@@ -176,12 +158,9 @@ TEST(Form, BadFilesAreToldInTheCaptionAndDrawNothing) {
     EXPECT_NE(h.form().controls().caption.find(told), std::string::npos) << code;
     h.form().picArpt_MouseDown(1, 0, 5000, 5000);
     const Lines t = Drawn(h.takeTrace());
-    if (told == kFound) {  // drawn on load and on the click, without VORs
-      EXPECT_EQ(Count(t, "print 100 100 0,0,0 14 1 XTST"), 2);
-      EXPECT_EQ(Count(t, "0,0,255"), 0);
-    } else {
-      EXPECT_EQ(Count(t, "cls"), std::ssize(t)) << code;
-    }
+    EXPECT_EQ(Count(t, "cls") == std::ssize(t), told != kFound) << code;
+    EXPECT_EQ(Count(t, "print 100 100 0,0,0 14 1 XTST"), told == kFound ? 2 : 0) << code;
+    EXPECT_EQ(Count(t, "0,0,255"), 0) << code;  // no VOR list, no VORs
   }
 }
 
@@ -197,13 +176,13 @@ TEST(ChartRun, StepsStatusAndState) {
       {{"--airport", "xtst", "--approach", "VOR 27"}, 0, "",
        {R"("text": "Reset Position\rZoom Level= 16")", R"("SelApp": 1, "AppSelected": true)"}}};
   // clang-format on
+  const auto noPictures = [](const auto&, const auto&, double, std::ostream&) { return false; };
   for (const auto& k : cases) {
     Lines args = {"--data", d.path().string(), "--state", "-"};
     args.insert(args.end(), k.args.begin(), k.args.end());
     std::ostringstream out, err;
     const auto options = ParseChartArgs(args, "/nowhere", err);
     ASSERT_TRUE(options.has_value());
-    const auto noPictures = [](const auto&, const auto&, double, std::ostream&) { return false; };
     EXPECT_EQ(RunChart(*options, noPictures, out, err), k.status) << k.args.back();
     for (const auto& part : k.out) EXPECT_NE(out.str().find(part), std::string::npos) << part;
     EXPECT_EQ(out.str().find('\r'), std::string::npos);

@@ -10,44 +10,36 @@ namespace velmora::test {
 namespace {
 
 using Lines = std::vector<std::string>;
-constexpr long long kArpX = 41040000, kArpY = 21600000;  // the airport, N10 00.00 E10 00.00
 
-// Coordinate text to a millionth of a minute, which the grid functions round back exactly.
-std::string Coord(long long grid, long long base, char pos, char neg) {
-  const long long off = grid - base, a = off < 0 ? -off : off;
+// Coordinate text to a millionth of a minute, which the grid functions round back exactly;
+// canvas (x, y) at Zoom 16 counts from the airport, N10 00.00 E10 00.00, at (7000, 5000).
+std::string Coord(long long twips, char pos, char neg) {
+  const long long off = 2160000 + twips * 16, a = off < 0 ? -off : off;
   char text[40];
   std::snprintf(text, 40, "%c%lld %.6f", off < 0 ? neg : pos, a / 216000, a % 216000 / 3600.0);
   return text;
 }
-Lines Take(std::ostringstream& out) {
-  Lines lines;
-  std::istringstream in(out.str());
-  for (std::string line; std::getline(in, line);) lines.push_back(line);
-  out.str({});
-  return lines;
-}
-
 // Approach 0 over the airport at Zoom 16, its fixes placed as waypoints by canvas position.
 struct Overlay {
   explicit Overlay(const std::string& type, const std::string& runway = "27") {
-    v.Zoom = 16;
-    SetOrigin(v, kArpX, kArpY);
-    s.VorLast = -1;
+    v.Zoom = 16, s.VorLast = -1, s.AppSelected = true;
+    SetOrigin(v, 41040000, 21600000);
     s.Approach[0] = {type, runway, "NONE"};
-    s.AppSelected = true;
   }
-  void fix(const std::string& ident, int x, int y) {
-    s.Waypoint[s.WaypointLast = wps++] = {ident,
-                                          Coord(kArpY + (5000LL - y) * 16, 19440000, 'N', 'S'),
-                                          Coord(kArpX + (x - 7000LL) * 16, 38880000, 'E', 'W')};
+  void fix(const std::string& id, int x, int y) {
+    s.Waypoint[s.WaypointLast = wps++] = {id, Coord(5000 - y, 'N', 'S'), Coord(x - 7000, 'E', 'W')};
   }
   void leg(std::string id, std::string alt = "", std::string rho = "", std::string course = "",
            std::string navaid = "") {
     s.Leg[s.LegLast = legs++] = {0, kApproachLeg, id, rho, alt, course, navaid};
   }
-  Lines draw() {
-    DrawApp(s, v, c, rows);
-    return Take(out);
+  Lines draw() { return DrawApp(s, v, c, rows), take(); }
+  Lines take() {
+    Lines lines;
+    std::istringstream in(out.str());
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    out.str({});
+    return lines;
   }
   Store s;
   View v;
@@ -57,14 +49,14 @@ struct Overlay {
   int wps = 0, legs = 0;
 };
 
-bool Has(const Lines& t, const std::string& l) {
-  return std::ranges::count(t, l) > 0;
-}
-
-TEST(Overlay, WorkedLegAndLabelRounding) {
+TEST(Overlay, WorkedLegLabelsAndTerminalRows) {
   Overlay o("GPS");
   o.fix("F", 6001, 4000), o.fix("ABC", 7000, 5000), o.fix("G", 7400, 5000);
   o.leg("F"), o.leg("ABC", "2500.00F", "20530.0", "45.0"), o.leg("G", "0.00F", "1026.5", "93.9");
+  // Transitions of approach 0 give terminal rows after those there, but not INT and WAYPOINT.
+  o.s.Trans[0] = {0, "T0", "VOR"}, o.s.Trans[1] = {0, "T1", "INT"};
+  o.s.Trans[2] = {1, "T2", "NDB"}, o.s.Trans[3] = {0, "T3", "WAYPOINT"};
+  o.s.Trans[4] = {0, "T4", "waypoint"}, o.s.TransLast = 5, o.rows = {"kept"};  // 5 is empty
   const Lines t = o.draw(),
               worked = {
                   "circle 6001 4000 30 0,0,0 2 0",        "print 5901 4000 0,0,0 8 0 F",
@@ -80,6 +72,9 @@ TEST(Overlay, WorkedLegAndLabelRounding) {
             (Lines{"print 7300 5000 0,0,0 8 0 G", "print 7300 5400 0,0,0 10 0 1 DME",
                    "print 7250 4600 0,0,0 10 1 093°"}));
   EXPECT_FALSE(o.c.pen.FontBold);
+  EXPECT_EQ(o.rows, (Lines{"kept", "VOR T0", "waypoint T4"}));
+  o.s.AppSelected = false, o.rows.clear();
+  EXPECT_TRUE(o.draw().empty() && o.rows.empty());
 }
 
 TEST(Overlay, TrackLinesTurnDottedByLegCount) {
@@ -100,9 +95,9 @@ TEST(Overlay, TrackLinesTurnDottedByLegCount) {
     }
     const Lines t = o.draw();
     for (std::size_t i = 1; i < k.fixes.size(); ++i) {
-      EXPECT_TRUE(Has(t, "line " + std::to_string(5600 + 400 * i) + " 4000 " +
-                             std::to_string(6000 + 400 * i) + " 4000 0,128,0 " + k.lines[i - 1]))
-          << "into " << k.fixes[i];
+      const std::string line = "line " + std::to_string(5600 + 400 * i) + " 4000 " +
+                               std::to_string(6000 + 400 * i) + " 4000 0,128,0 " + k.lines[i - 1];
+      EXPECT_EQ(std::ranges::count(t, line), 1) << line;
     }
     // The ILS arrow leaves two barbs at the first fix, beside the first track line.
     EXPECT_EQ(Filter(t, "line 6000 4000 ").size(), std::string(k.type) == "ILS" ? 3u : 1u);
@@ -113,15 +108,14 @@ TEST(Overlay, TrackLinesTurnDottedByLegCount) {
 TEST(Overlay, FixesNotFoundAndOutOfRange) {
   Overlay o("GPS");
   o.v.PanY = 20000;  // the range test looks at Y before pan: 1 to 9999 is in
-  for (const auto& [ident, y] : {std::pair{"Y0", 0}, {"Y1", 1}, {"Y10K", 10000}, {"Y9999", 9999}}) {
+  for (const auto& [ident, y] : {std::pair{"Y0", 0}, {"Y1", 1}, {"Y10K", 10000}, {"Y9999", 9999}})
     o.fix(ident, 900000, y);  // X is never tested
-  }
   for (const char* ident : {"NOPE", "Y0", "Y1", "GONE", "", "Y10K", "Y9999"}) o.leg(ident);
   const Lines t = o.draw();
   EXPECT_EQ(Filter(t, "print 200 8800 "),
             Lines{"print 200 8800 192,0,0 14 1 ATTENTION: Approach Data may be corrupt!"});
   // The first fix lies at grid 0,0: (0 - 40928000) / 16 and 10000 + 21520000 / 16, plus pan.
-  EXPECT_TRUE(Has(t, "circle -2558000 1375000 30 0,0,0 2 0"));
+  EXPECT_EQ(std::ranges::count(t, "circle -2558000 1375000 30 0,0,0 2 0"), 1);
   EXPECT_EQ(Filter(t, "line "), (Lines{"line -2558000 1375000 900000 20001 0,128,0 2 0",
                                        "line 900000 20001 900000 29999 0,128,0 2 0"}));
 }
@@ -133,10 +127,8 @@ TEST(Overlay, HeadingLines) {
   cases[] = {
       {"ILS", "9", "NONE", "", {"ILS RWY 09L  110.30   A  95.0°", "ils rwy 09r  111.10   B  95.0°"},
        "09/NONE"},
-      {"ILS", "9", "LEFT", "", {"ILS RWY 09L  110.30   A  95.0°"}, "09/L"},
       {"VORDME", "0", "NONE", "VOA", {"VORDME  Visual APP  VOA  113.40"}, "00/NONE"},
-      {"vor", "27", "RIGHT", "XXX", {"vor  27R  XXX  "}, "27/R"},
-      {"ils", "9", "LEFT", "VOA", {}, "9/LEFT"}};
+      {"vor", "27", "RIGHT", "XXX", {"vor  27R  XXX  "}, "27/R"}};
   // clang-format on
   for (const auto& k : cases) {
     Overlay o(k.type, k.runway);
@@ -153,25 +145,6 @@ TEST(Overlay, HeadingLines) {
   }
 }
 
-TEST(Overlay, TerminalRowsOfTheChosenApproachWithoutIntAndWaypoint) {
-  Overlay o("GPS");
-  int slot = 0;
-  for (const char* type :
-       {"VOR", "INT", "NDB", "WAYPOINT", "waypoint", "TERMINAL_WAYPOINT", "VOR"}) {
-    o.s.Trans[slot] = {slot == 2, "T" + std::to_string(slot), type}, ++slot;
-  }
-  o.s.TransLast = 7;  // slot 7 holds no transition
-  o.rows = {"kept"};
-  o.draw();
-  EXPECT_EQ(o.rows, (Lines{"kept", "VOR T0", "waypoint T4", "TERMINAL_WAYPOINT T5", "VOR T6"}));
-  o.s.SelApp = 1, o.rows.clear();
-  o.draw();
-  EXPECT_EQ(o.rows, Lines{"NDB T2"});
-  o.s.AppSelected = false, o.rows.clear();
-  o.fix("F", 7000, 4000), o.leg("F");
-  EXPECT_TRUE(o.draw().empty() && o.rows.empty());
-}
-
 TEST(Symbols, CornersFromPolarOffsets) {
   // Course mark at (1000, 1000), or arrow from there to (1000, 500); a bearing beyond 360 gives
   // no corner, and no line goes to it.
@@ -185,14 +158,14 @@ TEST(Symbols, CornersFromPolarOffsets) {
       {false, 500, {"1000 1000 640 1000 0,128,0 1", "640 1000 1000 500 0,128,0 1"}}};  // 370, 270
   // clang-format on
   for (const auto& k : cases) {
-    std::ostringstream out;
-    TraceCanvas c(out);
+    Overlay o("");
+    TraceCanvas& c = o.c;
     c.pen.DrawWidth = 5, c.pen.ForeColor = kRed;
     k.mark ? DrawCourseMark(c, 1000, 1000, k.course)
            : DrawArrowHead(c, 1000, 1000, k.course, 1000, 500);
     Lines want;
     for (const auto& l : k.lines) want.push_back("line " + l + " 0");
-    EXPECT_EQ(Take(out), want) << k.course;
+    EXPECT_EQ(o.take(), want) << k.course;
     EXPECT_EQ(c.pen.DrawWidth, 1);
     EXPECT_TRUE(c.pen.ForeColor == kBlack);
   }

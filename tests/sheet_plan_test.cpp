@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdio>
 
 #include "charts/charts.h"
@@ -10,56 +9,47 @@ namespace velmora::test {
 namespace {
 
 using Lines = std::vector<std::string>;
-constexpr long long kArpX = 41040000, kArpY = 21600000;  // the test airport, N10 00.00 E10 00.00
 
 std::string F(const char* format, auto... args) {
   char text[200];
   std::snprintf(text, sizeof text, format, args...);
   return text;
 }
-// Coordinate text to a millionth of a minute, which the grid functions round back exactly.
-std::string Coord(long long grid, long long base, char pos, char neg) {
-  const long long off = grid - base, a = off < 0 ? -off : off;
+// Coordinate text to a millionth of a minute, which the grid functions round back exactly, of
+// canvas (x, y) before pan at Zoom 16: the airport, N10 00.00 E10 00.00, is at (7000, 5000).
+std::string Coord(long long twips, char pos, char neg) {
+  const long long off = 2160000 + twips * 16, a = off < 0 ? -off : off;
   return F("%c%lld %.6f", off < 0 ? neg : pos, a / 216000, (a % 216000) / 3600.0);
 }
 struct Chart {
-  // The texts that land on canvas (x, y) before pan at Zoom 16.
-  static std::string Lon(int x) { return Coord(kArpX + (x - 7000LL) * 16, 38880000, 'E', 'W'); }
-  static std::string Lat(int y) { return Coord(kArpY + (5000LL - y) * 16, 19440000, 'N', 'S'); }
-
+  static std::string Lon(int x) { return Coord(x - 7000, 'E', 'W'); }
+  static std::string Lat(int y) { return Coord(5000 - y, 'N', 'S'); }
   explicit Chart(int zoom = 16, bool airport = true) {
-    v.Zoom = zoom;
-    s.VorLast = -1;
+    v.Zoom = zoom, s.VorLast = -1;
     if (airport) s.ArptLat = "N10 00.00", s.ArptLon = "E10 00.00";
   }
-  Lines sheet() {
+  // The lines of a fresh drawing of the sheet that hold `part`.
+  Lines sheet(std::string_view part = "") {
+    out.str({});
     DisplayArpt(s, v, c);
     Lines lines;
     std::istringstream in(out.str());
-    for (std::string line; std::getline(in, line);) lines.push_back(line);
-    out.str({});
+    for (std::string l; std::getline(in, l);)
+      if (l.find(part) != l.npos) lines.push_back(l);
     return lines;
   }
   void vor(int x, int y, const char* id) { s.Vor[++s.VorLast] = {id, Lat(y), Lon(x), "113.40"}; }
-  void end(int slot, int x, int y) { s.RwyEnd[slot].lat = Lat(y), s.RwyEnd[slot].lon = Lon(x); }
   Store s;
   View v;
   std::ostringstream out;
   TraceCanvas c{out};
 };
 
-Lines Grep(const Lines& t, const std::string& part) {
-  Lines found;
-  std::ranges::copy_if(t, std::back_inserter(found),
-                       [&](const std::string& l) { return l.find(part) != std::string::npos; });
-  return found;
-}
-
 TEST(Sheet, VariationTextSidesAndRounding) {
   // clang-format off
   const std::pair<const char*, const char*> cases[] = {
       {"0", "0.00\xB0 W"}, {"179.99", "179.99\xB0 W"}, {"180", "180.00\xB0 E"},
-      {"359.5", "0.50\xB0 E"}, {"-5", "-5.00\xB0 W"}, {"341", "19.00\xB0 E"}, {"3", "3.00\xB0 W"},
+      {"359.5", "0.50\xB0 E"}, {"-5", "-5.00\xB0 W"}, {"341", "19.00\xB0 E"},
       {"0.125", "0.13\xB0 W"}, {"359.995", "0.01\xB0 E"}, {"", ""}};
   // clang-format on
   for (const auto& [magvar, text] : cases) EXPECT_EQ(VariationText(magvar), text) << magvar;
@@ -68,13 +58,13 @@ TEST(Sheet, VariationTextSidesAndRounding) {
 TEST(Sheet, ScaleTicksAndWarningAtEveryZoom) {
   for (const auto& [zoom, tick] :
        {std::pair{2, 2400}, {4, 1200}, {6, 800}, {14, 343}, {16, 300}, {50, 96}}) {
-    const Lines t = Chart(zoom, false).sheet();
+    Chart chart(zoom, false);
     Lines want = {
         "print 200 9900 192,0,0 8 0 DO NOT USE FOR REAL NAVIGATION! FSX ONLY     NM SCALE ->"};
     for (int i = 0; i <= 10; ++i)
       want.push_back(F("print %d 9900 192,0,0 8 0 %d", 6000 + i * tick, i));
-    EXPECT_EQ(Grep(t, " 9900 192,0,0 8 0 "), want) << zoom;
-    EXPECT_EQ(Filter(t, "line 6000 9920 ").back(),
+    EXPECT_EQ(chart.sheet(" 9900 192,0,0 8 0 "), want) << zoom;
+    EXPECT_EQ(chart.sheet("line 6000 9920 ").back(),
               F("line 6000 9920 %d 9920 0,0,0 1 0", 6000 + 10 * tick));
   }
 }
@@ -83,30 +73,28 @@ TEST(Sheet, ListRowsWithoutGaps) {
   Chart chart(16, false);
   int slot = 0;
   for (const char* type :
-       {"ATIS", "CENTER", "CLEARANCE", "Tower", "GROUND", "atis x", "APPROACH/X"}) {
+       {"ATIS", "CENTER", "CLEARANCE", "Tower", "GROUND", "atis x", "APPROACH/X"})
     chart.s.Com[slot] = {type, F("12%d", slot), F("N%d", slot)}, chart.s.ComLast = slot++;
-  }
-  const auto set = [&](int slot, const char* type, const char* number, const char* designator) {
+  const auto end = [&](int slot, const char* type, const char* number, const char* designator) {
     RwyEndRow& r = chart.s.RwyEnd[slot];
     r.type = type, r.number = number, r.designator = designator;
     r.length = F("%dM", 100 * slot), r.width = "45M", r.surface = "ASPHALT";
   };
-  set(0, "RUNWAY", "9", "NONE"), set(1, "RUNWAY", "27", "NONE");  // odd slots give no row
-  set(2, "HELIPAD", "1", "NONE"), set(4, "RUNWAY", "36", "LEFT");
-  set(6, "RUNWAY", "4", "RIGHT"), set(8, "RUNWAY", "12", "north");
+  end(0, "RUNWAY", "9", "NONE"), end(1, "RUNWAY", "27", "NONE");  // odd slots give no row
+  end(2, "HELIPAD", "1", "NONE"), end(4, "RUNWAY", "36", "LEFT");
+  end(6, "RUNWAY", "4", "RIGHT"), end(8, "RUNWAY", "12", "north");
   chart.s.RwyLast = 9;
-  const Lines t = chart.sheet();
-  EXPECT_EQ(Filter(t, "print 10500 "), (Lines{"print 10500 1050 0,0,0 8 0 N0 ATIS  120",
-                                              "print 10500 1300 0,0,0 8 0 N3 Tower  123",
-                                              "print 10500 1550 0,0,0 8 0 N5 atis x  125",
-                                              "print 10500 1800 0,0,0 8 0 N6 APPROACH/X  126"}));
-  EXPECT_EQ(Filter(t, "print 200 1"),
+  EXPECT_EQ(chart.sheet("print 10500 "), (Lines{"print 10500 1050 0,0,0 8 0 N0 ATIS  120",
+                                                "print 10500 1300 0,0,0 8 0 N3 Tower  123",
+                                                "print 10500 1550 0,0,0 8 0 N5 atis x  125",
+                                                "print 10500 1800 0,0,0 8 0 N6 APPROACH/X  126"}));
+  EXPECT_EQ(chart.sheet("print 200 1"),
             (Lines{"print 200 1050 0,0,0 8 0 RWY- 09-0M x 45M - ASPHALT",
                    "print 200 1300 0,0,0 8 0 RWY- 36L-400M x 45M - ASPHALT",
                    "print 200 1550 0,0,0 8 0 RWY- 04R-600M x 45M - ASPHALT",
                    "print 200 1800 0,0,0 8 0 RWY- 12n-800M x 45M - ASPHALT"}));
   chart.s.RwyLast = 7;
-  EXPECT_EQ(Filter(chart.sheet(), "print 200 1").size(), 3u);
+  EXPECT_EQ(chart.sheet("print 200 1").size(), 3u);
 }
 
 TEST(Plan, ReferencePointRingAndPan) {
@@ -145,25 +133,25 @@ TEST(Plan, VorRangeTestLooksAtXBeforePan) {
         F("circle %d 20000 30 0,0,255 1 0", x), F("circle %d 20000 60 0,0,255 1 0", x),
         F("circle %d 20000 90 0,0,255 1 0", x), F("print %d 20000 0,0,255 10 1 VOA", x + 500),
         F("print %d 20200 0,0,255 10 1 113.40", x + 500)};
-    EXPECT_EQ(Grep(chart.sheet(), "0,0,255"), drawn ? want : Lines{}) << x0;
+    EXPECT_EQ(chart.sheet("0,0,255"), drawn ? want : Lines{}) << x0;
   }
 }
 
 TEST(Plan, RunwayWidthCarriesOverToTheFirstVorWithoutNdb) {
   for (const bool ndb : {false, true}) {
     Chart chart;
-    chart.end(0, 6000, 5000), chart.end(1, 8000, 5000), chart.s.RwyLast = 1;
+    chart.s.RwyEnd[0].lat = chart.s.RwyEnd[1].lat = Chart::Lat(5000), chart.s.RwyLast = 1;
+    chart.s.RwyEnd[0].lon = Chart::Lon(6000), chart.s.RwyEnd[1].lon = Chart::Lon(8000);
     if (ndb)
       chart.s.Ndb[1] = {Chart::Lat(2000), Chart::Lon(7000), "338.0", "NB"}, chart.s.NdbLast = 1;
     chart.vor(3000, 3000, "VOA"), chart.vor(11000, 7000, "VOB");
-    const Lines t = chart.sheet();
-    EXPECT_EQ(Grep(t, " 0,0,0 5 0"), Lines{"line 6000 5000 8000 5000 0,0,0 5 0"});
-    EXPECT_EQ(Grep(t, "circle 3000 3000 90 0,0,255 "),
+    EXPECT_EQ(chart.sheet(" 0,0,0 5 0"), Lines{"line 6000 5000 8000 5000 0,0,0 5 0"});
+    EXPECT_EQ(chart.sheet("circle 3000 3000 90 0,0,255 "),
               Lines{F("circle 3000 3000 90 0,0,255 %d 0", ndb ? 1 : 5)});
-    EXPECT_EQ(Grep(t, "circle 11000 7000 90 0,0,255 "), Lines{"circle 11000 7000 90 0,0,255 1 0"});
+    EXPECT_EQ(chart.sheet("circle 11000 7000 90 "), Lines{"circle 11000 7000 90 0,0,255 1 0"});
     const Lines red = {"circle 7000 2000 30 192,0,0 1 0", "circle 7000 2000 60 192,0,0 1 0",
                        "print 7000 1200 192,0,0 10 0 NB", "print 7000 1400 192,0,0 10 0 338.0"};
-    EXPECT_EQ(Grep(t, " 192,0,0 1"), ndb ? red : Lines{});
+    EXPECT_EQ(chart.sheet(" 192,0,0 1"), ndb ? red : Lines{});
   }
 }
 
