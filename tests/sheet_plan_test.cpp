@@ -15,15 +15,7 @@ std::string F(const char* format, auto... args) {
   std::snprintf(text, sizeof text, format, args...);
   return text;
 }
-// Coordinate text to a millionth of a minute, which the grid functions round back exactly, of
-// canvas (x, y) before pan at Zoom 16: the airport, N10 00.00 E10 00.00, is at (7000, 5000).
-std::string Coord(long long twips, char pos, char neg) {
-  const long long off = 2160000 + twips * 16, a = off < 0 ? -off : off;
-  return F("%c%lld %.6f", off < 0 ? neg : pos, a / 216000, (a % 216000) / 3600.0);
-}
 struct Chart {
-  static std::string Lon(int x) { return Coord(x - 7000, 'E', 'W'); }
-  static std::string Lat(int y) { return Coord(5000 - y, 'N', 'S'); }
   explicit Chart(int zoom = 16, bool airport = true) {
     v.Zoom = zoom, s.VorLast = -1;
     if (airport) s.ArptLat = "N10 00.00", s.ArptLon = "E10 00.00";
@@ -33,12 +25,13 @@ struct Chart {
     out.str({});
     DisplayArpt(s, v, c);
     Lines lines;
-    std::istringstream in(out.str());
-    for (std::string l; std::getline(in, l);)
+    for (const std::string& l : TakeLines(out))
       if (l.find(part) != l.npos) lines.push_back(l);
     return lines;
   }
-  void vor(int x, int y, const char* id) { s.Vor[++s.VorLast] = {id, Lat(y), Lon(x), "113.40"}; }
+  void vor(int x, int y, const char* id) {
+    s.Vor[++s.VorLast] = {id, LatAt(y), LonAt(x), "113.40"};
+  }
   Store s;
   View v;
   std::ostringstream out;
@@ -140,10 +133,9 @@ TEST(Plan, VorRangeTestLooksAtXBeforePan) {
 TEST(Plan, RunwayWidthCarriesOverToTheFirstVorWithoutNdb) {
   for (const bool ndb : {false, true}) {
     Chart chart;
-    chart.s.RwyEnd[0].lat = chart.s.RwyEnd[1].lat = Chart::Lat(5000), chart.s.RwyLast = 1;
-    chart.s.RwyEnd[0].lon = Chart::Lon(6000), chart.s.RwyEnd[1].lon = Chart::Lon(8000);
-    if (ndb)
-      chart.s.Ndb[1] = {Chart::Lat(2000), Chart::Lon(7000), "338.0", "NB"}, chart.s.NdbLast = 1;
+    chart.s.RwyEnd[0].lat = chart.s.RwyEnd[1].lat = LatAt(5000), chart.s.RwyLast = 1;
+    chart.s.RwyEnd[0].lon = LonAt(6000), chart.s.RwyEnd[1].lon = LonAt(8000);
+    if (ndb) chart.s.Ndb[1] = {LatAt(2000), LonAt(7000), "338.0", "NB"}, chart.s.NdbLast = 1;
     chart.vor(3000, 3000, "VOA"), chart.vor(11000, 7000, "VOB");
     EXPECT_EQ(chart.sheet(" 0,0,0 5 0"), Lines{"line 6000 5000 8000 5000 0,0,0 5 0"});
     EXPECT_EQ(chart.sheet("circle 3000 3000 90 0,0,255 "),

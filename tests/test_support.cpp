@@ -1,5 +1,6 @@
 #include "test_support.h"
 
+#include <cstdio>
 #include <fstream>
 #include <random>
 
@@ -30,7 +31,9 @@ std::string CrLf(const std::vector<std::string>& lines) {
   return text;
 }
 
-std::filesystem::path SampleDir() { return VELMORA_SAMPLE_DIR; }
+std::filesystem::path SampleDir() {
+  return VELMORA_SAMPLE_DIR;
+}
 
 Harness::Harness(const std::filesystem::path& dataDir, std::string_view commandLine)
     : store_(std::make_unique<Store>()), canvas_(out_) {
@@ -40,11 +43,32 @@ Harness::Harness(const std::filesystem::path& dataDir, std::string_view commandL
 }
 
 std::vector<std::string> Harness::takeTrace() {
+  return TakeLines(out_);
+}
+
+std::vector<std::string> TakeLines(std::ostringstream& out) {
   std::vector<std::string> lines;
-  std::istringstream in(out_.str());
+  std::istringstream in(out.str());
   for (std::string line; std::getline(in, line);) lines.push_back(line);
-  out_.str({});
+  out.str({});
   return lines;
+}
+
+namespace {
+std::string Coord(long long twips, char pos, char neg) {
+  const long long off = 2160000 + twips * 16, a = off < 0 ? -off : off;
+  char text[40];
+  std::snprintf(text, sizeof text, "%c%lld %.6f", off < 0 ? neg : pos, a / 216000,
+                a % 216000 / 3600.0);
+  return text;
+}
+}  // namespace
+
+std::string LatAt(int y) {
+  return Coord(5000 - y, 'N', 'S');
+}
+std::string LonAt(int x) {
+  return Coord(x - 7000, 'E', 'W');
 }
 
 void Harness::load(std::string_view code) {

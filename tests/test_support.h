@@ -53,6 +53,14 @@ class Harness {
   std::unique_ptr<ArptForm> form_;
 };
 
+// The lines written to `out` so far, which is then emptied.
+std::vector<std::string> TakeLines(std::ostringstream& out);
+
+// Coordinate texts of canvas (x, y) before pan at Zoom 16, for an airport at N10 00.00
+// E10 00.00, which lands at (7000, 5000). A millionth of a minute rounds back exactly.
+std::string LatAt(int y);
+std::string LonAt(int x);
+
 // Lines of `trace` that start with `prefix`.
 std::vector<std::string> Filter(const std::vector<std::string>& trace, std::string_view prefix);
 
