@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdio>
 
 #include "charts/charts.h"
@@ -91,25 +92,22 @@ TEST(Sheet, ListRowsWithoutGaps) {
 }
 
 TEST(Plan, ReferencePointRingAndPan) {
-  // Zoom, ring radius, PanX, PanY
-  const int cases[][4] = {{16, 3000, 0, 0},
-                          {2, 24000, 0, 0},
-                          {50, 960, 0, 0},
-                          {14, 3429, 0, 0},
-                          {16, 3000, 1000, -500}};
-  for (const auto& [zoom, ring, panX, panY] : cases) {
+  for (const auto& [zoom, ring, panX, panY] :
+       {std::array{16, 3000, 0, 0}, {2, 24000, 0, 0}, {50, 960, 0, 0}, {14, 3429, 1000, -500}}) {
     Chart chart(zoom);
     chart.v.PanX = panX, chart.v.PanY = panY;
     const Lines t = chart.sheet();
     const int x = 7000 + panX, y = 5000 + panY;
-    const Lines want = {"line 6800 5000 7200 5000 192,192,0 1 0",  // the cross that stays put
-                        "line 7000 4800 7000 5200 192,192,0 1 0",
-                        F("circle %d %d %d 192,192,0 1 0", x, y, ring),
-                        F("circle %d %d 30 192,192,0 1 0", x, y),
-                        F("line %d %d %d %d 0,0,0 1 0", x - 100, y, x + 100, y),
-                        F("line %d %d %d %d 0,0,0 1 0", x, y - 100, x, y + 100),
-                        F("print %d %d 0,0,0 8 0 ARP", x + 40, y)};
-    EXPECT_EQ(Lines(t.end() - 7, t.end()), want) << zoom;
+    // The yellow cross stays put; ring, centre, black cross and label move with the pan.
+    EXPECT_EQ(
+        Lines(t.end() - 7, t.end()),
+        (Lines{"line 6800 5000 7200 5000 192,192,0 1 0", "line 7000 4800 7000 5200 192,192,0 1 0",
+               F("circle %d %d %d 192,192,0 1 0", x, y, ring),
+               F("circle %d %d 30 192,192,0 1 0", x, y),
+               F("line %d %d %d %d 0,0,0 1 0", x - 100, y, x + 100, y),
+               F("line %d %d %d %d 0,0,0 1 0", x, y - 100, x, y + 100),
+               F("print %d %d 0,0,0 8 0 ARP", x + 40, y)}))
+        << zoom;
   }
 }
 
