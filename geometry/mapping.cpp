@@ -1,5 +1,7 @@
 #include "geometry/mapping.h"
 
+#include <cstdint>
+
 #include "geometry/numbers.h"
 
 namespace velmora {
@@ -10,7 +12,8 @@ std::int32_t GridToScreenX(const View& view, std::int32_t gridX) {
 
 std::int32_t GridToScreenY(const View& view, std::int32_t gridY) {
   // 10000 is a constant of the chart, not the canvas height.
-  return RoundEven(10000.0 - RoundEven((static_cast<double>(gridY) - view.OriginY) / view.Zoom));
+  const std::int64_t up = RoundEven((static_cast<double>(gridY) - view.OriginY) / view.Zoom);
+  return RoundEven(static_cast<double>(10000 - up));  // saturates far off the chart
 }
 
 void SetOrigin(View& view, std::int32_t arptGridX, std::int32_t arptGridY) {

@@ -166,13 +166,13 @@ int RunStep(ArptForm& form, const std::string& step, std::ostream& err) {
   return 0;
 }
 
-std::string Extension(const std::filesystem::path& path) {
+}  // namespace
+
+std::string PictureExtension(const std::filesystem::path& path) {
   std::string ext = path.extension().string();
   for (char& ch : ext) ch = static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
   return ext;
 }
-
-}  // namespace
 
 std::string ChartUsage() {
   return "usage: velmora-chart [--data DIR] [--trace FILE] [--state FILE] [--out FILE]...\n"
@@ -297,8 +297,9 @@ int RunChart(const ChartOptions& options, const PictureWriter& writePicture, std
 
   int result = 0;
   for (const std::string& path : options.outPaths) {
-    const bool ok = Extension(path) == ".svg" ? WriteSvg(picture, path, err)
-                                              : writePicture(picture, path, options.scale, err);
+    const bool ok = PictureExtension(path) == ".svg"
+                        ? WriteSvg(picture, path, err)
+                        : writePicture(picture, path, options.scale, err);
     if (!ok) result = 1;
   }
   return result;

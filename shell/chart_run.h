@@ -37,6 +37,9 @@ using PictureWriter =
 int RunChart(const ChartOptions& options, const PictureWriter& writePicture, std::ostream& out,
              std::ostream& err);
 
+// ".png", ".svg", ".pdf": the extension in lower case, which names the picture's format.
+std::string PictureExtension(const std::filesystem::path& path);
+
 // SVG is written by the core itself.
 bool WriteSvg(const RecordingCanvas& picture, const std::filesystem::path& path, std::ostream& err);
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <ostream>
 
+#include "shell/chart_run.h"
 #include "shell/qt/qt_canvas.h"
 
 namespace velmora {
@@ -35,9 +36,7 @@ bool WritePdf(const RecordingCanvas& picture, const QString& path) {
 
 bool WritePicture(const RecordingCanvas& picture, const std::filesystem::path& path, double scale,
                   std::ostream& err) {
-  std::string ext = path.extension().string();
-  std::transform(ext.begin(), ext.end(), ext.begin(),
-                 [](unsigned char c) { return std::tolower(c); });
+  const std::string ext = PictureExtension(path);
   const QString file = QString::fromStdString(path.string());
   bool ok = false;
   if (ext == ".png") {
