@@ -20,19 +20,28 @@ bool WritePdf(const RecordingCanvas& picture, const QString& path) {
   writer.setTitle(QStringLiteral("Velmora chart - not for real navigation"));
   QPainter painter;
   if (!painter.begin(&writer)) return false;
-  painter.setRenderHint(QPainter::Antialiasing);
-  // The canvas counts screen pixels; fit them to the page.
-  const double pixels = Canvas::kTwipsPerPixel;
-  const double fit = std::min(writer.width() / (Canvas::Width / pixels),
-                              writer.height() / (Canvas::Height / pixels));
-  painter.scale(fit, fit);
-  painter.setClipRect(QRectF(0, 0, Canvas::Width / pixels, Canvas::Height / pixels));
-  QtCanvas canvas(&painter, 96.0 / writer.resolution());
-  picture.replay(canvas);
+  PaintPicture(painter, picture, QRectF(0, 0, writer.width(), writer.height()),
+               writer.resolution());
   return painter.end();
 }
 
 }  // namespace
+
+void PaintPicture(QPainter& painter, const RecordingCanvas& picture, const QRectF& area,
+                  double dpi) {
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  // The canvas counts screen pixels; fit them to the area.
+  const double pixels = Canvas::kTwipsPerPixel;
+  const double fit = std::min(area.width() / (Canvas::Width / pixels),
+                              area.height() / (Canvas::Height / pixels));
+  painter.translate(area.topLeft());
+  painter.scale(fit, fit);
+  painter.setClipRect(QRectF(0, 0, Canvas::Width / pixels, Canvas::Height / pixels));
+  QtCanvas canvas(&painter, 96.0 / dpi);
+  picture.replay(canvas);
+  painter.restore();
+}
 
 bool WritePicture(const RecordingCanvas& picture, const std::filesystem::path& path, double scale,
                   std::ostream& err) {
