@@ -380,6 +380,8 @@ TEST(WindowInput, PrintAndSaveGiveWhatIsOnScreen) {
   const QImage page = RenderPdf(printed, 90);
   ASSERT_FALSE(page.isNull());
   EXPECT_GT(page.width(), page.height());  // landscape
+  EXPECT_EQ(Bytes(printed.toStdString()).find("/Subtype /Image"),
+            std::string::npos);  // vector, no raster
   const int unlike = CellsUnlikeScreen(page, screen);
   EXPECT_LT(unlike, 40);
   EXPECT_GT(CellsUnlikeScreen(page, loaded), 4 * unlike + 40);
