@@ -16,6 +16,11 @@ using Lines = std::vector<std::string>;
 
 // A compact approach near the airport, and one that reaches beyond both sides of the sheet.
 const GenApproach kCompact{"GPS", "9", {{6800, 4700}, {7200, 4900}, {7500, 5300}, {7000, 5000}}};
+// Compact but far north: closer views would push its later fixes off the chart before pan,
+// where the overlay drops them.
+const GenApproach kNorth{"NDB", "36", {{7000, 1500}, {7400, 1700}, {7200, 1900}, {6900, 1600}}};
+// A little taller than the sheet's room for fixes at the default zoom.
+const GenApproach kTall{"LOC", "18", {{7000, 1200}, {7200, 5000}, {7000, 9000}}};
 const GenApproach kWide{"VOR", "27", {{-6000, 3000}, {2000, 4000}, {16000, 6000}, {21000, 7000}}};
 
 // Positions of the fix symbols in a trace: black circles of radius 30 and width 2.
@@ -33,9 +38,9 @@ std::vector<std::pair<int, int>> FixSymbols(const Lines& trace) {
 
 TEST(Fit, ClosestViewHoldsEveryFixAndIsOneAUserCanReach) {
   TempDir d;
-  WriteAirports(d, {{"XGEN", {kCompact, kWide}}});
+  WriteAirports(d, {{"XGEN", {kCompact, kWide, kNorth, kTall}}});
   // clang-format off
-  const struct { int row; bool closer; } cases[] = {{0, true}, {1, false}};
+  const struct { int row; bool closer; } cases[] = {{0, true}, {1, false}, {2, true}, {3, false}};
   // clang-format on
   for (const auto& k : cases) {
     Harness fit(d.path());
@@ -49,7 +54,7 @@ TEST(Fit, ClosestViewHoldsEveryFixAndIsOneAUserCanReach) {
     fit.form().showView(view->Zoom, view->PanX, view->PanY);
     const Lines shown = fit.takeTrace();
     const auto fixes = FixSymbols(shown);
-    EXPECT_EQ(fixes.size(), 4u) << k.row;
+    EXPECT_EQ(fixes.size(), k.row == 3 ? 3u : 4u) << k.row;
     for (const auto& [x, y] : fixes) {
       EXPECT_TRUE(x >= kFitLeft && x <= kFitRight && y >= kFitTop && y <= kFitBottom)
           << k.row << ": " << x << "," << y;
@@ -59,11 +64,12 @@ TEST(Fit, ClosestViewHoldsEveryFixAndIsOneAUserCanReach) {
       Harness closer(d.path());
       closer.load("XGEN");
       closer.form().cmbAPP_Click(k.row);
+      closer.takeTrace();
       closer.form().showView(view->Zoom - kZoomStep, view->PanX, view->PanY);
       const auto near = FixSymbols(closer.takeTrace());
       const auto width = std::ranges::minmax(near | std::views::keys);
       const auto height = std::ranges::minmax(near | std::views::values);
-      EXPECT_TRUE(near.size() < 4 || width.max - width.min > kFitRight - kFitLeft ||
+      EXPECT_TRUE(near.size() < fixes.size() || width.max - width.min > kFitRight - kFitLeft ||
                   height.max - height.min > kFitBottom - kFitTop)
           << k.row;
     }
