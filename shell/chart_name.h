@@ -7,8 +7,8 @@
 
 namespace velmora {
 
-// The airport and, once picked, the approach: "XWHL-ILS_16L". Characters that some file
-// systems refuse (and dots) become "_"; no airport gives "chart".
+// The airport and, once picked, the approach's row and text: "XWHL-0-ILS_16L"; no airport
+// gives "chart".
 std::string SuggestedChartName(const Store& store);
 
 }  // namespace velmora

@@ -5,7 +5,7 @@
 namespace velmora::test {
 namespace {
 
-TEST(ChartName, AirportApproachAndUnsafeCharacters) {
+TEST(ChartName, AirportAndPickedApproach) {
   struct Case {
     std::string ident, type, runway, designator;
     bool picked;
@@ -15,9 +15,9 @@ TEST(ChartName, AirportApproachAndUnsafeCharacters) {
   const Case cases[] = {
       {"", "ILS", "16", "LEFT", true, 0, "chart"},
       {"XWHL", "ILS", "16", "LEFT", false, 0, "XWHL"},
-      {"XWHL", "ILS", "16", "LEFT", true, 0, "XWHL-ILS_16L"},
-      {"XWHL", "VOR", "04", "NONE", true, 0, "XWHL-VOR_04"},
-      {"X/H.", "RNAV", "2*", "", true, 0, "X_H_-RNAV_2_"},
+      {"XWHL", "ILS", "16", "LEFT", true, 0, "XWHL-0-ILS_16L"},
+      {"XWHL", "VOR", "04", "NONE", true, 0, "XWHL-0-VOR_04"},
+      {"X/H", "RNAV", "2*", "", true, 0, "X_H-0-RNAV_2_"},
       {"XWHL", "ILS", "16", "LEFT", true, 51, "XWHL"},  // a slot beyond the table
   };
   for (const Case& c : cases) {

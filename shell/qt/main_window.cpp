@@ -11,7 +11,6 @@
 #include <QPrinter>
 #include <QScrollBar>
 #include <QShortcut>
-#include <QTemporaryFile>
 #include <QWheelEvent>
 #include <sstream>
 
@@ -93,22 +92,15 @@ void ShowButton(QPushButton* button, const Control& state) {
   button->setEnabled(state.enabled);
 }
 
-// Whole or nothing: the picture goes to a hidden file beside the target, renamed at the end.
 bool SavePicture(const RecordingCanvas& picture, const std::filesystem::path& path, double scale) {
-  const std::string ext = PictureExtension(path);
-  const std::filesystem::path pattern =
-      path.parent_path() / ("." + path.filename().string() + "-XXXXXX" + ext);
-  QTemporaryFile part(QString::fromStdString(pattern.string()));
-  if (!part.open()) return false;
-  part.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
-  part.close();
-  const std::filesystem::path partPath = part.fileName().toStdString();
   std::ostringstream ignored;  // the window says it in the caption
-  const bool ok = ext == ".svg" ? WriteSvg(picture, partPath, ignored)
-                                : WritePicture(picture, partPath, scale, ignored);
-  std::error_code error;
-  if (ok) std::filesystem::rename(partPath, path, error);
-  return ok && !error;
+  return WriteWhole(
+      path,
+      [&](const std::filesystem::path& temp) {
+        return PictureExtension(path) == ".svg" ? WriteSvg(picture, temp, ignored)
+                                                : WritePicture(picture, temp, scale, ignored);
+      },
+      ignored);
 }
 
 bool AskPrinter(QWidget* parent, QPrinter& printer) {

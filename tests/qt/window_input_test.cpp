@@ -348,10 +348,10 @@ TEST(WindowInput, PrintAndSaveGiveWhatIsOnScreen) {
   const QImage screen = p.w.chart()->image().copy();
 
   // What velmora-chart draws for the same road, for the formats it can write itself.
-  const std::vector<std::string> steps = {"type:XWHL", "search", "load", "pick:0"};
-  ChartOptions reference{
-      SampleDir(), "",   "", {(dir.path() / "ref.svg").string(), (dir.path() / "ref.pdf").string()},
-      1.0,         steps};
+  ChartOptions reference;
+  reference.dataDir = SampleDir();
+  reference.outPaths = {(dir.path() / "ref.svg").string(), (dir.path() / "ref.pdf").string()};
+  reference.steps = {"type:XWHL", "search", "load", "pick:0"};
   std::ostringstream out, err;
   ASSERT_EQ(RunChart(reference, WritePicture, out, err), 0) << err.str();
 
@@ -363,7 +363,7 @@ TEST(WindowInput, PrintAndSaveGiveWhatIsOnScreen) {
     p.key(Qt::Key_S, Qt::ControlModifier);
     EXPECT_TRUE(std::filesystem::exists(dir.path() / name)) << name;
   }
-  EXPECT_EQ(suggested, "XWHL-ILS_16L");
+  EXPECT_EQ(suggested, "XWHL-0-ILS_16L");
   // At 1.5 a few edge pixels of the replay fall otherwise than those drawn live.
   const QImage savedPng(QString::fromStdString((dir.path() / "saved.png").string()));
   EXPECT_LT(PixelsUnlike(savedPng, screen), 50);
