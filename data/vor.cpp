@@ -6,7 +6,7 @@
 
 #include "data/line_reader.h"
 #include "data/text.h"
-#include "geometry/numbers.h"
+#include "data/numbers.h"
 
 namespace velmora {
 namespace {
