@@ -2,6 +2,8 @@
 # Deliberate faults, one at a time, in a scratch copy of the sources: each must make the core
 # tests or the golden road fail. Prints one line per fault and the figure caught/total.
 #   tests/mutate.sh [FAULTS_FILE] [SCRATCH_DIR]
+# With OLD_TESTS=DIR, a folder of older core test sources, each fault is also run against those
+# (with the golden road only), so that one run gives the figure before and after.
 # FAULTS_FILE lines: FILE<TAB>OLD<TAB>NEW; OLD must occur exactly once; "<NL>" in OLD and NEW
 # stands for a line end. Lines starting with "#" are skipped.
 set -u
@@ -15,11 +17,22 @@ tar -C "$repo" --exclude=./build --exclude=./.git -cf - . | tar -C "$scratch/sta
 (cd "$scratch/stage" && find . -type f | while read -r f; do
   cmp -s "$f" "../src/$f" || { mkdir -p "../src/$(dirname "$f")" && cp "$f" "../src/$f"; }
 done)
-cmake -S "$scratch/src" -B "$scratch/build" -G Ninja >/dev/null || exit 1
 targets=(--target velmora_tests velmora-chart)
+if [ -n "${OLD_TESTS:-}" ]; then
+  mkdir -p "$scratch/src/tests_old" && cp "$OLD_TESTS"/*.cpp "$OLD_TESTS"/*.h "$scratch/src/tests_old/"
+  grep -q velmora_tests_old "$scratch/src/tests/CMakeLists.txt" || cat >>"$scratch/src/tests/CMakeLists.txt" <<'CM'
+file(GLOB OLD_TESTS ${CMAKE_SOURCE_DIR}/tests_old/*.cpp)
+add_executable(velmora_tests_old ${OLD_TESTS})
+target_link_libraries(velmora_tests_old PRIVATE velmora_core GTest::gtest_main)
+target_compile_definitions(velmora_tests_old PRIVATE VELMORA_SAMPLE_DIR="${CMAKE_SOURCE_DIR}/sample")
+CM
+  targets+=(velmora_tests_old)
+fi
+cmake -S "$scratch/src" -B "$scratch/build" -G Ninja >/dev/null || exit 1
 cmake --build "$scratch/build" -j2 "${targets[@]}" >/dev/null || exit 1
 
-caught=0 total=0 invalid=0
+caught=0 total=0 invalid=0 oldCaught=0
+road() { "$repo/tests/golden/road.sh" "$scratch/build/velmora-chart" "$repo/tests/golden/expected"; }
 while IFS=$'\t' read -r file old new; do
   [[ -z "$file" || "$file" == \#* ]] && continue
   src="$scratch/src/$file"
@@ -42,13 +55,23 @@ PY
     invalid=$((invalid + 1))
   else
     total=$((total + 1))
+    before=""
+    if [ -n "${OLD_TESTS:-}" ]; then
+      if ! "$scratch/build/tests/velmora_tests_old" --gtest_brief=1 >/dev/null 2>&1 ||
+        ! road >/dev/null 2>&1; then
+        oldCaught=$((oldCaught + 1))
+        before="(before: caught)     "
+      else
+        before="(before: not caught) "
+      fi
+    fi
     if ! "$scratch/build/tests/velmora_tests" --gtest_brief=1 >/dev/null 2>&1 ||
-      ! "$repo/tests/golden/road.sh" "$scratch/build/velmora-chart" \
-        "$repo/tests/golden/expected" >/dev/null 2>&1; then
+      ! road >/dev/null 2>&1 ||
+      ! "$repo/tests/golden/outputs.sh" "$scratch/build/velmora-chart" >/dev/null 2>&1; then
       caught=$((caught + 1))
-      echo "caught       $file: $old"
+      echo "caught       $before$file: $old"
     else
-      echo "NOT CAUGHT   $file: $old -> $new"
+      echo "NOT CAUGHT   $before$file: $old -> $new"
     fi
   fi
   mv "$src.orig" "$src"
@@ -56,4 +79,5 @@ PY
 done <"$faults"
 cmake --build "$scratch/build" -j2 "${targets[@]}" >/dev/null 2>&1
 echo "$caught of $total faults caught ($invalid not applied)"
+[ -n "${OLD_TESTS:-}" ] && echo "older tests: $oldCaught of $total"
 [ "$total" -gt 0 ] && [ $((caught * 10)) -ge $((total * 9)) ]

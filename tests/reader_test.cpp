@@ -8,6 +8,7 @@
 
 #include "data/decoders.h"
 #include "data/extract.h"
+#include "data/line_reader.h"
 #include "data/text.h"
 #include "test_support.h"
 
@@ -99,6 +100,40 @@ TEST(Decoders, ScanElementThenKeyAndQuotedValues) {
     EXPECT_EQ(std::tuple(element, AttrKey(key), AttrValue(line), AttrValue2(line)),
               std::tuple(c.element, c.key, c.first, c.second))
         << c.line;
+  }
+}
+
+// With the smallest buffer every line end, CR LF included, falls across a refill somewhere.
+TEST(LineReaderTest, LineEndsAcrossTheBufferEdge) {
+  TempDir dir;
+  const std::string text =
+      "<Airport ident=\"A\"\r\n\r\nab\rcd\n\nef\r\r\n<Airport ident=\"B\"\r\n" +
+      std::string(40, 'x') + "\r\n<Airport ident=\"C\"";
+  const Lines all = {"<Airport ident=\"A\"",
+                     "",
+                     "ab",
+                     "cd",
+                     "",
+                     "ef",
+                     "",
+                     "<Airport ident=\"B\"",
+                     std::string(40, 'x'),
+                     "<Airport ident=\"C\""};
+  const Lines airports = {all[0], all[7], all[9]};
+  for (std::size_t lead = 0; lead < 17; ++lead) {
+    const auto file = dir.write("lines.txt", std::string(lead, ' ') + text);
+    for (bool skipping : {false, true}) {
+      LineReader reader(16);
+      ASSERT_TRUE(reader.open(file));
+      Lines got;
+      std::string_view line;
+      while (skipping ? reader.nextContaining("<Airport", line) : reader.next(line))
+        got.emplace_back(line);
+      Lines want = skipping ? airports : all;
+      want[0].insert(0, lead, ' ');
+      EXPECT_EQ(got, want) << lead << ' ' << skipping;
+      EXPECT_FALSE(reader.failed());
+    }
   }
 }
 
