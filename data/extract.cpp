@@ -1,6 +1,8 @@
 #include "data/extract.h"
 
 #include <algorithm>
+#include <initializer_list>
+#include <utility>
 
 #include "data/decoders.h"
 #include "data/line_reader.h"
@@ -23,6 +25,17 @@ struct AttrLine {
   std::string first() const { return std::string(AttrValue(line)); }
   std::string second() const { return std::string(AttrValue2(line)); }
 };
+
+// Text fields of a row by their key.
+template <class Row>
+using Fields = std::initializer_list<std::pair<std::string_view, std::string Row::*>>;
+
+template <class Row>
+void Assign(Row& row, const AttrLine& l, Fields<Row> fields) {
+  for (const auto& [key, member] : fields) {
+    if (l.key == key) row.*member = l.first();
+  }
+}
 
 // One call's worth of reader state: the slots the next records fill. Each element word has
 // its handler, which sees every line from that word up to the next element line.
@@ -49,6 +62,15 @@ class AirportReader {
       ++droppedCount;
     }
     ++slot;
+  }
+
+  // A record of one table: its fields fill the slot until the line with `closeKey` closes it.
+  template <class Row, std::int32_t Highest>
+  static void Record(Table<Row, Highest>& table, std::int32_t& slot, std::int32_t& last,
+                     int& droppedCount, const AttrLine& l, std::string_view closeKey,
+                     Fields<Row> fields) {
+    if (table.has(slot)) Assign(table[slot], l, fields);
+    if (l.key == closeKey) Close(table.has(slot), last, slot, droppedCount);
   }
 
   void airport(const AttrLine& l);
@@ -103,33 +125,28 @@ bool AirportReader::take(std::string_view key, std::string_view startKey, std::s
 }
 
 void AirportReader::airport(const AttrLine& l) {
-  std::string* field = l.key == "country"  ? &s_.ArptCountry
-                       : l.key == "state"  ? &s_.ArptState
-                       : l.key == "city"   ? &s_.ArptCity
-                       : l.key == "name"   ? &s_.ArptName
-                       : l.key == "lat"    ? &s_.ArptLat
-                       : l.key == "lon"    ? &s_.ArptLon
-                       : l.key == "alt"    ? &s_.ArptAlt
-                       : l.key == "magvar" ? &s_.ArptMagvar
-                                           : nullptr;
-  if (field != nullptr) *field = l.first();
+  Assign<Store>(s_, l,
+                {{"country", &Store::ArptCountry},
+                 {"state", &Store::ArptState},
+                 {"city", &Store::ArptCity},
+                 {"name", &Store::ArptName},
+                 {"lat", &Store::ArptLat},
+                 {"lon", &Store::ArptLon},
+                 {"alt", &Store::ArptAlt},
+                 {"magvar", &Store::ArptMagvar}});
 }
 
 void AirportReader::runway(const AttrLine& l) {
   if (!s_.RwyEnd.has(runway_)) return;
   RwyEndRow& row = s_.RwyEnd[runway_];
-  if (l.key == "<Runway number") {
-    row.number = l.first();
-    row.designator = l.second();
-    return;
-  }
-  std::string* field = l.key == "lat"       ? &row.lat
-                       : l.key == "lon"     ? &row.lon
-                       : l.key == "length"  ? &row.length
-                       : l.key == "width"   ? &row.width
-                       : l.key == "surface" ? &row.surface
-                                            : nullptr;
-  if (field != nullptr) *field = l.first();
+  if (l.key == "<Runway number") row.designator = l.second();
+  Assign<RwyEndRow>(row, l,
+                    {{"<Runway number", &RwyEndRow::number},
+                     {"lat", &RwyEndRow::lat},
+                     {"lon", &RwyEndRow::lon},
+                     {"length", &RwyEndRow::length},
+                     {"width", &RwyEndRow::width},
+                     {"surface", &RwyEndRow::surface}});
 }
 
 void AirportReader::runwayEnd(const AttrLine&) {
@@ -159,56 +176,40 @@ void AirportReader::start(const AttrLine& l) {
 }
 
 void AirportReader::ils(const AttrLine& l) {
-  if (s_.Ils.has(ils_)) {
-    IlsRow& row = s_.Ils[ils_];
-    if (l.key == "<Ils end") row.end = l.second();
-    if (l.key == "frequency") row.frequency = l.first();
-    if (l.key == "heading") row.heading = l.first();
-    if (l.key == "name") row.name = l.first();
-  }
-  if (l.key == "name") Close(s_.Ils.has(ils_), s_.IlsLast, ils_, dropped_.ils);
+  if (l.key == "<Ils end" && s_.Ils.has(ils_)) s_.Ils[ils_].end = l.second();
+  Record(
+      s_.Ils, ils_, s_.IlsLast, dropped_.ils, l, "name",
+      {{"frequency", &IlsRow::frequency}, {"heading", &IlsRow::heading}, {"name", &IlsRow::name}});
 }
 
 void AirportReader::com(const AttrLine& l) {
-  if (s_.Com.has(com_)) {
-    ComRow& row = s_.Com[com_];
-    if (l.key == "<Com type") row.type = l.first();
-    if (l.key == "frequency") row.frequency = l.first();
-    if (l.key == "name") row.name = l.first();
-  }
-  if (l.key == "name") Close(s_.Com.has(com_), s_.ComLast, com_, dropped_.com);
+  Record(
+      s_.Com, com_, s_.ComLast, dropped_.com, l, "name",
+      {{"<Com type", &ComRow::type}, {"frequency", &ComRow::frequency}, {"name", &ComRow::name}});
 }
 
 void AirportReader::ndb(const AttrLine& l) {
-  if (s_.Ndb.has(ndb_)) {
-    NdbRow& row = s_.Ndb[ndb_];
-    if (l.key == "lat") row.lat = l.first();
-    if (l.key == "lon") row.lon = l.first();
-    if (l.key == "frequency") row.frequency = l.first();
-    if (l.key == "ident") row.ident = l.first();
-  }
-  if (l.key == "name") Close(s_.Ndb.has(ndb_), s_.NdbLast, ndb_, dropped_.ndb);
+  Record(s_.Ndb, ndb_, s_.NdbLast, dropped_.ndb, l, "name",
+         {{"lat", &NdbRow::lat},
+          {"lon", &NdbRow::lon},
+          {"frequency", &NdbRow::frequency},
+          {"ident", &NdbRow::ident}});
 }
 
 void AirportReader::waypoint(const AttrLine& l) {
-  if (s_.Waypoint.has(waypoint_)) {
-    WaypointRow& row = s_.Waypoint[waypoint_];
-    if (l.key == "waypointIdent") row.ident = l.first();
-    if (l.key == "lat") row.lat = l.first();
-    if (l.key == "lon") row.lon = l.first();
-  }
-  if (l.key == "lon") {
-    Close(s_.Waypoint.has(waypoint_), s_.WaypointLast, waypoint_, dropped_.waypoint);
-  }
+  Record(s_.Waypoint, waypoint_, s_.WaypointLast, dropped_.waypoint, l, "lon",
+         {{"waypointIdent", &WaypointRow::ident},
+          {"lat", &WaypointRow::lat},
+          {"lon", &WaypointRow::lon}});
 }
 
 void AirportReader::approach(const AttrLine& l) {
   legOwner_ = LegOwner::kApproach;
   if (!s_.Approach.has(approach_)) return;
-  ApproachRow& row = s_.Approach[approach_];
-  if (l.key == "<Approach type") row.type = l.first();
-  if (l.key == "runway") row.runway = l.first();
-  if (l.key == "designator") row.designator = l.first();
+  Assign<ApproachRow>(s_.Approach[approach_], l,
+                      {{"<Approach type", &ApproachRow::type},
+                       {"runway", &ApproachRow::runway},
+                       {"designator", &ApproachRow::designator}});
 }
 
 void AirportReader::leg(const AttrLine& l) {
@@ -220,11 +221,13 @@ void AirportReader::leg(const AttrLine& l) {
     LegRow& row = s_.Leg[leg_];
     row.app = approach_;
     row.trans = ofApproach ? kApproachLeg : trans_;
-    if (l.key == "fixIdent") row.fixIdent = l.first();
-    if (l.key == "rho") row.rho = l.first();
-    if (l.key == "magneticCourse") row.magneticCourse = l.first();
-    if (l.key == "altitude1" || l.key == "altitude2") row.altitude = l.first();
-    if (l.key == "recommendedIdent") row.recommendedIdent = l.first();
+    Assign<LegRow>(row, l,
+                   {{"fixIdent", &LegRow::fixIdent},
+                    {"rho", &LegRow::rho},
+                    {"magneticCourse", &LegRow::magneticCourse},
+                    {"altitude1", &LegRow::altitude},
+                    {"altitude2", &LegRow::altitude},
+                    {"recommendedIdent", &LegRow::recommendedIdent}});
   }
   if (l.key != "/>") return;
   if (storable) {
@@ -239,8 +242,7 @@ void AirportReader::transition(const AttrLine& l) {
   if (!s_.Trans.has(trans_)) return;
   TransRow& row = s_.Trans[trans_];
   row.app = approach_;
-  if (l.key == "fixType") row.fixType = l.first();
-  if (l.key == "fixIdent") row.fixIdent = l.first();
+  Assign<TransRow>(row, l, {{"fixType", &TransRow::fixType}, {"fixIdent", &TransRow::fixIdent}});
 }
 
 void AirportReader::transitionEnd(const AttrLine&) {
