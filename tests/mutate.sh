@@ -17,7 +17,7 @@ tar -C "$repo" --exclude=./build --exclude=./.git -cf - . | tar -C "$scratch/sta
 (cd "$scratch/stage" && find . -type f | while read -r f; do
   cmp -s "$f" "../src/$f" || { mkdir -p "../src/$(dirname "$f")" && cp "$f" "../src/$f"; }
 done)
-targets=(--target velmora_tests velmora-chart)
+targets=(--target velmora_tests velmora-chart sample_data)
 if [ -n "${OLD_TESTS:-}" ]; then
   mkdir -p "$scratch/src/tests_old" && cp "$OLD_TESTS"/*.cpp "$OLD_TESTS"/*.h "$scratch/src/tests_old/"
   grep -q velmora_tests_old "$scratch/src/tests/CMakeLists.txt" || cat >>"$scratch/src/tests/CMakeLists.txt" <<'CM'
@@ -33,6 +33,13 @@ cmake --build "$scratch/build" -j2 "${targets[@]}" >/dev/null || exit 1
 
 caught=0 total=0 invalid=0 oldCaught=0
 road() { "$repo/tests/golden/road.sh" "$scratch/build/velmora-chart" "$repo/tests/golden/expected"; }
+outputs() { "$repo/tests/golden/outputs.sh" "$scratch/build/velmora-chart"; }
+# A fault only counts as caught if the sources without it pass every check.
+if ! "$scratch/build/tests/velmora_tests" --gtest_brief=1 >/dev/null || ! road || ! outputs ||
+  { [ -n "${OLD_TESTS:-}" ] && ! "$scratch/build/tests/velmora_tests_old" --gtest_brief=1 >/dev/null; }; then
+  echo "the sources fail their checks without any fault"
+  exit 1
+fi
 while IFS=$'\t' read -r file old new; do
   [[ -z "$file" || "$file" == \#* ]] && continue
   src="$scratch/src/$file"
@@ -67,7 +74,7 @@ PY
     fi
     if ! "$scratch/build/tests/velmora_tests" --gtest_brief=1 >/dev/null 2>&1 ||
       ! road >/dev/null 2>&1 ||
-      ! "$repo/tests/golden/outputs.sh" "$scratch/build/velmora-chart" >/dev/null 2>&1; then
+      ! outputs >/dev/null 2>&1; then
       caught=$((caught + 1))
       echo "caught       $before$file: $old"
     else
