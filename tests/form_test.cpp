@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "data/text.h"
+#include "geometry/svg_canvas.h"
 #include "shell/chart_run.h"
 #include "test_support.h"
 
@@ -236,8 +237,16 @@ TEST(ChartRun, EveryOutputGetsThePicture) {
   const std::string track =
       R"x(<line x1="6100" y1="4100" x2="6550" y2="5000" stroke="rgb(0,128,0)")x";
   EXPECT_NE(text.find(track), std::string::npos);
-  EXPECT_NE(text.find(">XTST</text>"), std::string::npos);
+  // Print puts the top of the text at CurrentY, SVG its baseline: 0.9 em lower.
+  EXPECT_NE(
+      text.find(
+          R"x(<text x="100" y="352" font-size="280" font-weight="bold" fill="rgb(0,0,0)">XTST</text>)x"),
+      std::string::npos);
   EXPECT_TRUE(text.ends_with("</svg>\n"));
+  SvgCanvas markup;
+  markup.Cls();
+  markup.Print("a<b&c>\xB0");
+  EXPECT_NE(markup.document().find(">a&lt;b&amp;c&gt;\u00B0</text>"), std::string::npos);
 }
 
 }  // namespace
