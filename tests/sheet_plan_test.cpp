@@ -142,6 +142,8 @@ TEST(Plan, VorRangeTestLooksAtXBeforePan) {
         F("circle %d 20000 90 0,0,255 1 0", x), F("print %d 20000 0,0,255 10 1 VOA", x + 500),
         F("print %d 20200 0,0,255 10 1 113.40", x + 500)};
     EXPECT_EQ(chart.sheet("0,0,255"), drawn ? want : Lines{}) << x0;
+    // The next layer finds the label font plain and the pen black.
+    EXPECT_TRUE(!chart.c.pen.FontBold && chart.c.pen.ForeColor == kBlack) << x0;
   }
 }
 
