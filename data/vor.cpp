@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "data/line_reader.h"
-#include "data/text.h"
 #include "data/numbers.h"
+#include "data/text.h"
 
 namespace velmora {
 namespace {
