@@ -224,7 +224,7 @@ TEST(ChartRun, EveryOutputGetsThePicture) {
                           std::ostream&) {
     formats.push_back(path.extension().string());
     picture.replay(tracer);
-    return true;
+    return static_cast<bool>(std::ofstream(path) << "picture");
   };
   EXPECT_EQ(RunChart(*options, writer, out, err), 0) << err.str();
   EXPECT_EQ(formats, (Lines{".png", ".pdf"}));
