@@ -3,9 +3,9 @@
 #include <sstream>
 
 #include "charts/charts.h"
+#include "data/numbers.h"
 #include "data/text.h"
 #include "geometry/fix.h"
-#include "geometry/numbers.h"
 
 namespace velmora {
 namespace {

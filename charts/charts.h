@@ -20,7 +20,7 @@ void DisplayArpt(Store& store, View& view, Canvas& canvas);
 
 // Sets the origin for the present Zoom and draws reference point, ring, runways, NDBs and
 // the VORs on the sheet. Draws nothing without an airport position.
-void DrawArpt(Store& store, View& view, Canvas& canvas);
+void DrawArpt(const Store& store, View& view, Canvas& canvas);
 
 // The overlay of the approach in slot SelApp, when AppSelected; appends its transitions to
 // `termRows`. Rests on the origin of the last DrawArpt.

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <vector>
 
+#include "data/numbers.h"
 #include "geometry/coords.h"
 #include "geometry/fix.h"
-#include "geometry/numbers.h"
 
 namespace velmora {
 namespace {

@@ -2,8 +2,8 @@
 #include <optional>
 
 #include "charts/charts.h"
+#include "data/numbers.h"
 #include "geometry/coords.h"
-#include "geometry/numbers.h"
 
 namespace velmora {
 namespace {
@@ -102,12 +102,10 @@ void Vors(const Store& s, const View& v, Canvas& c) {
 
 }  // namespace
 
-void DrawArpt(Store& store, View& view, Canvas& canvas) {
+void DrawArpt(const Store& store, View& view, Canvas& canvas) {
   const auto gy = LatToGrid(store.ArptLat);
   const auto gx = LonToGrid(store.ArptLon);
   if (!gx || !gy) return;
-  store.ArptGridY = *gy;
-  store.ArptGridX = *gx;
   SetOrigin(view, *gx, *gy);
   ReferencePoint(view, {GridToScreenX(view, *gx), GridToScreenY(view, *gy)}, canvas);
   Runways(store, view, canvas);

@@ -1,9 +1,9 @@
 #include <cmath>
 
 #include "charts/charts.h"
+#include "data/numbers.h"
 #include "data/text.h"
 #include "geometry/coords.h"
-#include "geometry/numbers.h"
 
 namespace velmora {
 namespace {

@@ -1,6 +1,8 @@
 #include "data/extract.h"
 
 #include <algorithm>
+#include <initializer_list>
+#include <utility>
 
 #include "data/decoders.h"
 #include "data/line_reader.h"
@@ -16,7 +18,27 @@ void AddPart(std::string& out, int count, std::string_view one, std::string_view
   out += std::to_string(count) + ' ' + std::string(count == 1 ? one : many);
 }
 
-// One call's worth of reader state: the slots the next records fill.
+// One attribute line of the wanted airport, tabs already turned into blanks except in
+// `startKey`, which is the key of the line as read.
+struct AttrLine {
+  std::string_view key, startKey, line;
+  std::string first() const { return std::string(AttrValue(line)); }
+  std::string second() const { return std::string(AttrValue2(line)); }
+};
+
+// Text fields of a row by their key.
+template <class Row>
+using Fields = std::initializer_list<std::pair<std::string_view, std::string Row::*>>;
+
+template <class Row>
+void Assign(Row& row, const AttrLine& l, Fields<Row> fields) {
+  for (const auto& [key, member] : fields) {
+    if (l.key == key) row.*member = l.first();
+  }
+}
+
+// One call's worth of reader state: the slots the next records fill. Each element word has
+// its handler, which sees every line from that word up to the next element line.
 class AirportReader {
  public:
   AirportReader(Store& store, Dropped& dropped) : s_(store), dropped_(dropped) {}
@@ -25,6 +47,13 @@ class AirportReader {
   bool take(std::string_view key, std::string_view startKey, std::string_view line);
 
  private:
+  using Handler = void (AirportReader::*)(const AttrLine&);
+  struct Entry {
+    std::string_view element;
+    Handler handler;
+  };
+  static const Entry kHandlers[];
+
   // Closes a record: the counter takes the slot if the table has it.
   static void Close(bool fits, std::int32_t& last, std::int32_t& slot, int& droppedCount) {
     if (fits) {
@@ -35,150 +64,196 @@ class AirportReader {
     ++slot;
   }
 
+  // A record of one table: its fields fill the slot until the line with `closeKey` closes it.
+  template <class Row, std::int32_t Highest>
+  static void Record(Table<Row, Highest>& table, std::int32_t& slot, std::int32_t& last,
+                     int& droppedCount, const AttrLine& l, std::string_view closeKey,
+                     Fields<Row> fields) {
+    if (table.has(slot)) Assign(table[slot], l, fields);
+    if (l.key == closeKey) Close(table.has(slot), last, slot, droppedCount);
+  }
+
+  void airport(const AttrLine& l);
+  void runway(const AttrLine& l);
+  void runwayEnd(const AttrLine& l);
+  void start(const AttrLine& l);
+  void ils(const AttrLine& l);
+  void com(const AttrLine& l);
+  void ndb(const AttrLine& l);
+  void waypoint(const AttrLine& l);
+  void approach(const AttrLine& l);
+  void leg(const AttrLine& l);
+  void transition(const AttrLine& l);
+  void transitionEnd(const AttrLine& l);
+  void approachEnd(const AttrLine& l);
+
   Store& s_;
   Dropped& dropped_;
   std::int32_t runway_ = 0, start_ = 0, ils_ = 0, com_ = 0, ndb_ = 1, waypoint_ = 0;
   std::int32_t approach_ = 0, trans_ = 0, leg_ = 0;
-  std::string legContext_;
+  enum class LegOwner { kNone, kApproach, kTransition } legOwner_ = LegOwner::kNone;
+};
+
+constexpr std::string_view kAirportEnd = "</Airport>";
+
+const AirportReader::Entry AirportReader::kHandlers[] = {
+    {"<Airport", &AirportReader::airport},
+    {"<Runway", &AirportReader::runway},
+    {"</Runway>", &AirportReader::runwayEnd},
+    {"<Start", &AirportReader::start},
+    {"<Ils", &AirportReader::ils},
+    {"<Com", &AirportReader::com},
+    {"<Ndb", &AirportReader::ndb},
+    {"<Waypoint", &AirportReader::waypoint},
+    {"<Approach", &AirportReader::approach},
+    {"<Leg", &AirportReader::leg},
+    {"<Transition", &AirportReader::transition},
+    {"</Transition>", &AirportReader::transitionEnd},
+    {"</Approach>", &AirportReader::approachEnd},
 };
 
 bool AirportReader::take(std::string_view key, std::string_view startKey, std::string_view line) {
   const std::string& element = s_.CurElement;
-  const auto first = [&] { return std::string(AttrValue(line)); };
-
-  if (element == "<Airport") {
-    std::string* field = key == "country"  ? &s_.ArptCountry
-                         : key == "state"  ? &s_.ArptState
-                         : key == "city"   ? &s_.ArptCity
-                         : key == "name"   ? &s_.ArptName
-                         : key == "lat"    ? &s_.ArptLat
-                         : key == "lon"    ? &s_.ArptLon
-                         : key == "alt"    ? &s_.ArptAlt
-                         : key == "magvar" ? &s_.ArptMagvar
-                                           : nullptr;
-    if (field != nullptr) *field = first();
-  } else if (element == "<Runway") {
-    if (!s_.RwyEnd.has(runway_)) return true;
-    RwyEndRow& row = s_.RwyEnd[runway_];
-    if (key == "<Runway number") {
-      row.number = first();
-      row.designator = AttrValue2(line);
-    } else if (key == "lat") {
-      row.lat = first();
-    } else if (key == "lon") {
-      row.lon = first();
-    } else if (key == "length") {
-      row.length = first();
-    } else if (key == "width") {
-      row.width = first();
-    } else if (key == "surface") {
-      row.surface = first();
+  if (element == kAirportEnd) return false;
+  for (const Entry& e : kHandlers) {
+    if (e.element == element) {
+      (this->*e.handler)(AttrLine{key, startKey, line});
+      break;
     }
-  } else if (element == "</Runway>") {
-    // Acts on the closing line and on every line behind it up to the next element line.
-    ++runway_;
-  } else if (element == "<Start") {
-    // Under <Start the key comes from the line as read, tabs and all.
-    if (startKey == "heading") {
-      Close(s_.RwyEnd.has(start_), s_.RwyLast, start_, dropped_.rwyEnd);
-    } else if (s_.RwyEnd.has(start_)) {
-      RwyEndRow& row = s_.RwyEnd[start_];
-      if (startKey == "<Start type") {
-        row.type = first();
-      } else if (startKey == "number") {
-        row.number = first();
-        row.designator = AttrValue2(line);
-        row.fixName = RunwayFixName(row);
-      } else if (startKey == "lat") {
-        row.lat = first();
-      } else if (startKey == "lon") {
-        row.lon = first();
-      }
-    }
-  } else if (element == "<Ils") {
-    if (s_.Ils.has(ils_)) {
-      IlsRow& row = s_.Ils[ils_];
-      if (key == "<Ils end") row.end = AttrValue2(line);
-      if (key == "frequency") row.frequency = first();
-      if (key == "heading") row.heading = first();
-      if (key == "name") row.name = first();
-    }
-    if (key == "name") Close(s_.Ils.has(ils_), s_.IlsLast, ils_, dropped_.ils);
-  } else if (element == "<Com") {
-    if (s_.Com.has(com_)) {
-      ComRow& row = s_.Com[com_];
-      if (key == "<Com type") row.type = first();
-      if (key == "frequency") row.frequency = first();
-      if (key == "name") row.name = first();
-    }
-    if (key == "name") Close(s_.Com.has(com_), s_.ComLast, com_, dropped_.com);
-  } else if (element == "<Ndb") {
-    if (s_.Ndb.has(ndb_)) {
-      NdbRow& row = s_.Ndb[ndb_];
-      if (key == "lat") row.lat = first();
-      if (key == "lon") row.lon = first();
-      if (key == "frequency") row.frequency = first();
-      if (key == "ident") row.ident = first();
-    }
-    if (key == "name") Close(s_.Ndb.has(ndb_), s_.NdbLast, ndb_, dropped_.ndb);
-  } else if (element == "<Waypoint") {
-    if (s_.Waypoint.has(waypoint_)) {
-      WaypointRow& row = s_.Waypoint[waypoint_];
-      if (key == "waypointIdent") row.ident = first();
-      if (key == "lat") row.lat = first();
-      if (key == "lon") row.lon = first();
-    }
-    if (key == "lon")
-      Close(s_.Waypoint.has(waypoint_), s_.WaypointLast, waypoint_, dropped_.waypoint);
-  } else if (element == "</Airport>") {
-    return false;
-  } else if (element == "<Approach") {
-    legContext_ = "<Approach";
-    if (s_.Approach.has(approach_)) {
-      ApproachRow& row = s_.Approach[approach_];
-      if (key == "<Approach type") row.type = first();
-      if (key == "runway") row.runway = first();
-      if (key == "designator") row.designator = first();
-    }
-  } else if (element == "<Leg") {
-    if (legContext_.empty()) return true;
-    const bool ofApproach = legContext_ == "<Approach";
-    // A transition in the table's top slot would read as the approach's own mark.
-    const bool storable = s_.Leg.has(leg_) && (ofApproach || trans_ < kApproachLeg);
-    if (storable) {
-      LegRow& row = s_.Leg[leg_];
-      row.app = approach_;
-      row.trans = ofApproach ? kApproachLeg : trans_;
-      if (key == "fixIdent") row.fixIdent = first();
-      if (key == "rho") row.rho = first();
-      if (key == "magneticCourse") row.magneticCourse = first();
-      if (key == "altitude1" || key == "altitude2") row.altitude = first();
-      if (key == "recommendedIdent") row.recommendedIdent = first();
-    }
-    if (key == "/>") {
-      if (storable) {
-        s_.LegLast = leg_++;
-      } else {
-        ++dropped_.leg;
-      }
-    }
-  } else if (element == "<Transition") {
-    legContext_ = "<Transition";
-    if (s_.Trans.has(trans_)) {
-      TransRow& row = s_.Trans[trans_];
-      row.app = approach_;
-      if (key == "fixType") row.fixType = first();
-      if (key == "fixIdent") row.fixIdent = first();
-    }
-  } else if (element == "</Transition>") {
-    legContext_.clear();
-    s_.CurElement.clear();
-    Close(s_.Trans.has(trans_), s_.TransLast, trans_, dropped_.trans);
-  } else if (element == "</Approach>") {
-    s_.CurElement.clear();
-    Close(s_.Approach.has(approach_), s_.AppLast, approach_, dropped_.approach);
   }
   return true;
+}
+
+void AirportReader::airport(const AttrLine& l) {
+  Assign<Store>(s_, l,
+                {{"country", &Store::ArptCountry},
+                 {"state", &Store::ArptState},
+                 {"city", &Store::ArptCity},
+                 {"name", &Store::ArptName},
+                 {"lat", &Store::ArptLat},
+                 {"lon", &Store::ArptLon},
+                 {"alt", &Store::ArptAlt},
+                 {"magvar", &Store::ArptMagvar}});
+}
+
+void AirportReader::runway(const AttrLine& l) {
+  if (!s_.RwyEnd.has(runway_)) return;
+  RwyEndRow& row = s_.RwyEnd[runway_];
+  if (l.key == "<Runway number") row.designator = l.second();
+  Assign<RwyEndRow>(row, l,
+                    {{"<Runway number", &RwyEndRow::number},
+                     {"lat", &RwyEndRow::lat},
+                     {"lon", &RwyEndRow::lon},
+                     {"length", &RwyEndRow::length},
+                     {"width", &RwyEndRow::width},
+                     {"surface", &RwyEndRow::surface}});
+}
+
+void AirportReader::runwayEnd(const AttrLine&) {
+  // Acts on the closing line and on every line behind it up to the next element line.
+  ++runway_;
+}
+
+void AirportReader::start(const AttrLine& l) {
+  // Under <Start the key comes from the line as read, tabs and all.
+  if (l.startKey == "heading") {
+    Close(s_.RwyEnd.has(start_), s_.RwyLast, start_, dropped_.rwyEnd);
+    return;
+  }
+  if (!s_.RwyEnd.has(start_)) return;
+  RwyEndRow& row = s_.RwyEnd[start_];
+  if (l.startKey == "<Start type") {
+    row.type = l.first();
+  } else if (l.startKey == "number") {
+    row.number = l.first();
+    row.designator = l.second();
+    row.fixName = RunwayFixName(row);
+  } else if (l.startKey == "lat") {
+    row.lat = l.first();
+  } else if (l.startKey == "lon") {
+    row.lon = l.first();
+  }
+}
+
+void AirportReader::ils(const AttrLine& l) {
+  if (l.key == "<Ils end" && s_.Ils.has(ils_)) s_.Ils[ils_].end = l.second();
+  Record(
+      s_.Ils, ils_, s_.IlsLast, dropped_.ils, l, "name",
+      {{"frequency", &IlsRow::frequency}, {"heading", &IlsRow::heading}, {"name", &IlsRow::name}});
+}
+
+void AirportReader::com(const AttrLine& l) {
+  Record(
+      s_.Com, com_, s_.ComLast, dropped_.com, l, "name",
+      {{"<Com type", &ComRow::type}, {"frequency", &ComRow::frequency}, {"name", &ComRow::name}});
+}
+
+void AirportReader::ndb(const AttrLine& l) {
+  Record(s_.Ndb, ndb_, s_.NdbLast, dropped_.ndb, l, "name",
+         {{"lat", &NdbRow::lat},
+          {"lon", &NdbRow::lon},
+          {"frequency", &NdbRow::frequency},
+          {"ident", &NdbRow::ident}});
+}
+
+void AirportReader::waypoint(const AttrLine& l) {
+  Record(s_.Waypoint, waypoint_, s_.WaypointLast, dropped_.waypoint, l, "lon",
+         {{"waypointIdent", &WaypointRow::ident},
+          {"lat", &WaypointRow::lat},
+          {"lon", &WaypointRow::lon}});
+}
+
+void AirportReader::approach(const AttrLine& l) {
+  legOwner_ = LegOwner::kApproach;
+  if (!s_.Approach.has(approach_)) return;
+  Assign<ApproachRow>(s_.Approach[approach_], l,
+                      {{"<Approach type", &ApproachRow::type},
+                       {"runway", &ApproachRow::runway},
+                       {"designator", &ApproachRow::designator}});
+}
+
+void AirportReader::leg(const AttrLine& l) {
+  if (legOwner_ == LegOwner::kNone) return;
+  const bool ofApproach = legOwner_ == LegOwner::kApproach;
+  // A transition in the table's top slot would read as the approach's own mark.
+  const bool storable = s_.Leg.has(leg_) && (ofApproach || trans_ < kApproachLeg);
+  if (storable) {
+    LegRow& row = s_.Leg[leg_];
+    row.app = approach_;
+    row.trans = ofApproach ? kApproachLeg : trans_;
+    Assign<LegRow>(row, l,
+                   {{"fixIdent", &LegRow::fixIdent},
+                    {"rho", &LegRow::rho},
+                    {"magneticCourse", &LegRow::magneticCourse},
+                    {"altitude1", &LegRow::altitude},
+                    {"altitude2", &LegRow::altitude},
+                    {"recommendedIdent", &LegRow::recommendedIdent}});
+  }
+  if (l.key != "/>") return;
+  if (storable) {
+    s_.LegLast = leg_++;
+  } else {
+    ++dropped_.leg;
+  }
+}
+
+void AirportReader::transition(const AttrLine& l) {
+  legOwner_ = LegOwner::kTransition;
+  if (!s_.Trans.has(trans_)) return;
+  TransRow& row = s_.Trans[trans_];
+  row.app = approach_;
+  Assign<TransRow>(row, l, {{"fixType", &TransRow::fixType}, {"fixIdent", &TransRow::fixIdent}});
+}
+
+void AirportReader::transitionEnd(const AttrLine&) {
+  legOwner_ = LegOwner::kNone;
+  s_.CurElement.clear();
+  Close(s_.Trans.has(trans_), s_.TransLast, trans_, dropped_.trans);
+}
+
+void AirportReader::approachEnd(const AttrLine&) {
+  s_.CurElement.clear();
+  Close(s_.Approach.has(approach_), s_.AppLast, approach_, dropped_.approach);
 }
 
 }  // namespace

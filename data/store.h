@@ -89,8 +89,7 @@ struct Store {
   Table<VorRow, 8000> Vor;
   std::int32_t VorLast = 0;
 
-  std::string CurElement;                     // the reader's last element word
-  std::int32_t ArptGridX = 0, ArptGridY = 0;  // grid units, set on every plan draw
+  std::string CurElement;  // the reader's last element word
   std::int32_t SelApp = 0;
   bool AppSelected = false;
 

@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "data/line_reader.h"
+#include "data/numbers.h"
 #include "data/text.h"
-#include "geometry/numbers.h"
 
 namespace velmora {
 namespace {

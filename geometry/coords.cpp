@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "geometry/numbers.h"
+#include "data/numbers.h"
 
 namespace velmora {
 namespace {
@@ -25,14 +25,6 @@ Words TwoWords(std::string_view text) {
   return w;
 }
 
-std::string Part(std::string_view coord, bool degrees, char negativeLetter) {
-  if (coord.empty()) return {};
-  const Words w = TwoWords(coord);
-  std::string word(degrees ? w.first.substr(w.first.empty() ? 0 : 1) : w.second);
-  if (coord.front() == negativeLetter) word += '-';
-  return word;
-}
-
 std::optional<std::int32_t> ToGrid(std::string_view coord, char negativeLetter, std::int64_t base) {
   if (coord.empty()) return std::nullopt;
   const Words w = TwoWords(coord);
@@ -51,19 +43,6 @@ std::optional<std::int32_t> ToGrid(std::string_view coord, char negativeLetter, 
 }
 
 }  // namespace
-
-std::string LonDegrees(std::string_view coord) {
-  return Part(coord, true, 'W');
-}
-std::string LonMinutes(std::string_view coord) {
-  return Part(coord, false, 'W');
-}
-std::string LatDegrees(std::string_view coord) {
-  return Part(coord, true, 'S');
-}
-std::string LatMinutes(std::string_view coord) {
-  return Part(coord, false, 'S');
-}
 
 std::optional<std::int32_t> LonToGrid(std::string_view coord) {
   return ToGrid(coord, 'W', kGridXGreenwich);

@@ -15,12 +15,6 @@ inline constexpr std::int32_t kGridPerMinute = 3600;
 inline constexpr std::int32_t kGridXGreenwich = 38880000;
 inline constexpr std::int32_t kGridYEquator = 19440000;
 
-// The parts as numeric text; a "-" behind the word marks the west or south side.
-std::string LonDegrees(std::string_view coord);
-std::string LonMinutes(std::string_view coord);
-std::string LatDegrees(std::string_view coord);
-std::string LatMinutes(std::string_view coord);
-
 // No value for a text without a second word or without numbers in its places: no chart
 // position can be made from it. Allocates nothing.
 std::optional<std::int32_t> LonToGrid(std::string_view coord);

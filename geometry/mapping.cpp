@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "geometry/numbers.h"
+#include "data/numbers.h"
 
 namespace velmora {
 
@@ -11,14 +11,14 @@ std::int32_t GridToScreenX(const View& view, std::int32_t gridX) {
 }
 
 std::int32_t GridToScreenY(const View& view, std::int32_t gridY) {
-  // 10000 is a constant of the chart, not the canvas height.
   const std::int64_t up = RoundEven((static_cast<double>(gridY) - view.OriginY) / view.Zoom);
-  return RoundEven(static_cast<double>(10000 - up));  // saturates far off the chart
+  return RoundEven(static_cast<double>(kOriginScreenY - up));  // saturates far off the chart
 }
 
 void SetOrigin(View& view, std::int32_t arptGridX, std::int32_t arptGridY) {
-  view.OriginX = RoundEven(static_cast<double>(arptGridX) - 7000.0 * view.Zoom);
-  view.OriginY = RoundEven(static_cast<double>(arptGridY) - 5000.0 * view.Zoom);
+  view.OriginX = RoundEven(static_cast<double>(arptGridX) - double{kArpScreenX} * view.Zoom);
+  view.OriginY =
+      RoundEven(static_cast<double>(arptGridY) - double{kOriginScreenY - kArpScreenY} * view.Zoom);
 }
 
 }  // namespace velmora

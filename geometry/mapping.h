@@ -10,11 +10,13 @@ struct View {
   std::int32_t PanX = 0;     // twips the plan and overlay are shifted right
   std::int32_t PanY = 0;     // twips shifted down
   std::int32_t OriginX = 0;  // grid X at canvas X 0
-  std::int32_t OriginY = 0;  // grid Y at canvas Y 10000
+  std::int32_t OriginY = 0;  // grid Y at canvas Y kOriginScreenY
 };
 
 inline constexpr std::int32_t kArpScreenX = 7000;
 inline constexpr std::int32_t kArpScreenY = 5000;
+// A constant of the chart, not the canvas height.
+inline constexpr std::int32_t kOriginScreenY = 10000;
 inline constexpr std::int32_t kZoomMin = 2;
 inline constexpr std::int32_t kZoomMax = 50;
 inline constexpr std::int32_t kZoomStep = 2;

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "geometry/numbers.h"
+#include "data/numbers.h"
 
 namespace velmora {
 namespace {

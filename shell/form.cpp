@@ -6,9 +6,9 @@
 #include "charts/charts.h"
 #include "data/extract.h"
 #include "data/index_search.h"
+#include "data/numbers.h"
 #include "data/text.h"
 #include "data/vor.h"
-#include "geometry/numbers.h"
 
 namespace velmora {
 namespace {
@@ -25,7 +25,8 @@ std::string VorProblem(const VorReport& r) {
   if (r.skipped > 0) text = std::to_string(r.skipped) + " unreadable lines skipped";
   if (r.dropped > 0) {
     if (!text.empty()) text += ", ";
-    text += std::to_string(r.dropped) + " VORs beyond the first 8001 dropped";
+    text += std::to_string(r.dropped) + " VORs beyond the first " +
+            std::to_string(decltype(Store::Vor)::kHighest + 1) + " dropped";
   }
   return text.empty() ? text : "Velmora - " + file + ": " + text;
 }
@@ -47,10 +48,7 @@ void ArptForm::setCaption(std::string text) {
 }
 
 void ArptForm::Form_Load(std::string_view commandLine) {
-  if (!commandLine.empty()) {
-    CmdIdent = commandLine;
-    controls_.txtSearch.text = CmdIdent;
-  }
+  if (!commandLine.empty()) controls_.txtSearch.text = commandLine;
   view_.Zoom = kZoomMin;
   for (Control* c :
        {&controls_.cmdArpt, &controls_.cmdPlus, &controls_.cmdMinus, &controls_.cmdZoom}) {

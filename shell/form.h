@@ -87,7 +87,7 @@ class ArptForm {
   std::filesystem::path dataDir_;
   Controls controls_;
   View view_;
-  std::string CmdIdent, SearchIdent, IndexIdent, IndexInfo1, IndexInfo2, IndexFile;
+  std::string SearchIdent, IndexIdent, IndexInfo1, IndexInfo2, IndexFile;
 };
 
 }  // namespace velmora

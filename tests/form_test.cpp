@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 
 #include "data/text.h"
+#include "geometry/svg_canvas.h"
 #include "shell/chart_run.h"
 #include "test_support.h"
 
@@ -22,13 +24,14 @@ constexpr std::string_view kAirport =
     R"(|fixIdent="WPA"|/>|<Leg type="TF"|fixIdent="RW09"|/>|<Transition|fixType="VOR")"
     R"(|fixIdent="VOA">|</Transition>|<Transition|fixType="INT"|fixIdent="WPA">|</Transition>)"
     R"(|</Approach>|<Approach type="VOR"|runway="27"|designator="NONE">|<Leg type="IF")"
-    R"(|fixIdent="VOA"|recommendedIdent="VOA"|/>|</Approach>|</Airport>)";
+    R"(|fixIdent="VOA"|recommendedIdent="VOA"|/>|</Approach>|</Airport>)"
+    R"(|<Airport ident="XNOA"|lat="N10 00.00"|lon="E10 00.00">|</Airport>)";
 const std::string kFound = "XTST-InfoOne-InfoTwo-x.txt";
 
 void WriteWorld(const TempDir& d, bool index = true, bool vor = true) {
   if (index)
-    d.write("Arpt index.txt",
-            CrLf({"XTST;Info One;Info Two;x.txt", "XNOF;a;b;x.txt", "XMIS;a;b;no.txt"}));
+    d.write("Arpt index.txt", CrLf({"XTST;Info One;Info Two;x.txt", "XNOF;a;b;x.txt",
+                                    "XMIS;a;b;no.txt", "XNOA;a;b;x.txt"}));
   if (vor) d.write("vor.nav", CrLf({"VOR A;10;2.00;9;59.00;H;VOA;113.40"}));  // at (7450, 5225)
   Lines lines;
   for (std::string_view line : Split(kAirport, '|')) lines.emplace_back(line);
@@ -146,22 +149,34 @@ TEST(Form, BadFilesAreToldInTheCaptionAndDrawNothing) {
   TempDir d;
   WriteWorld(d, false, false);
   Harness h(d.path());
-  EXPECT_NE(h.form().controls().caption.find("vor.nav"), std::string::npos);
+  EXPECT_EQ(h.form().controls().caption, "vor.nav could not be read: the chart shows no VORs");
   h.form().setSearchText("xtst");
   h.form().cmdSearch_Click();
-  EXPECT_NE(h.form().controls().caption.find("Arpt index.txt"), std::string::npos);
+  EXPECT_EQ(h.form().controls().caption, "Arpt index.txt could not be read - no search for XTST");
   EXPECT_FALSE(h.form().controls().cmdArpt.enabled);
   WriteWorld(d, true, false);  // the VOR list stays missing
-  for (const auto& [code, told] :
-       {std::pair{"xtst", kFound}, {"xnof", "XNOF"}, {"xmis", "no.txt"}, {"xtst", kFound}}) {
+  const std::string noFile =
+      "The airport file FSXFiles/no.txt could not be read - no chart for XMIS";
+  for (const auto& [code, told] : {std::pair{"xtst", kFound},
+                                   {"xnof", "Sorry, XNOF is not in FSXFiles/x.txt - no chart"},
+                                   {"xmis", noFile},
+                                   {"xtst", kFound}}) {
     h.load(code);
-    EXPECT_NE(h.form().controls().caption.find(told), std::string::npos) << code;
+    EXPECT_EQ(h.form().controls().caption, told) << code;
     h.form().picArpt_MouseDown(1, 0, 5000, 5000);
     const Lines t = Drawn(h.takeTrace());
     EXPECT_EQ(Count(t, "cls") == std::ssize(t), told != kFound) << code;
     EXPECT_EQ(Count(t, "print 100 100 0,0,0 14 1 XTST"), told == kFound ? 2 : 0) << code;
     EXPECT_EQ(Count(t, "0,0,255"), 0) << code;  // no VOR list, no VORs
+    EXPECT_EQ(h.form().controls().caption, told == kFound
+                                               ? kFound
+                                               : "No chart to move yet - search for an airport and "
+                                                 "show its chart first");
   }
+  // A full VOR list loads silently; a line too short and one without numbers are counted.
+  d.write("vor.nav", CrLf({"VOR A;10;2.00;9;59.00;H;VOA;113.40", "x;1", "y;a;b;c;d;e;f;g"}));
+  EXPECT_EQ(Harness(d.path()).form().controls().caption,
+            "Velmora - vor.nav: 2 unreadable lines skipped");
 }
 
 TEST(ChartRun, StepsStatusAndState) {
@@ -170,7 +185,8 @@ TEST(ChartRun, StepsStatusAndState) {
   // clang-format off
   const struct { Lines args; int status; std::string err; Lines out; } cases[] = {
       {{"dance"}, 2, "unknown step 'dance'", {R"("step": 0)"}},
-      {{"type:xtst", "search", "load", "pick:9"}, 2, "pick:9", {R"("step": 3)"}},
+      {{"type:xtst", "search", "load", "pick:2"}, 2, "pick:2", {R"("step": 3)"}},
+      {{"--airport", "xnoa"}, 0, "", {R"("XNOA APP", "enabled": true, "rows": []})"}},
       {{"load", "type:xtst", "search", "load"}, 0, "cmdArpt is disabled",
        {R"("step": 4)", R"("rows": ["GPS 9", "VOR 27"])"}},
       {{"--airport", "xtst", "--approach", "VOR 27"}, 0, "",
@@ -189,6 +205,48 @@ TEST(ChartRun, StepsStatusAndState) {
     EXPECT_EQ(err.str().empty(), k.err.empty()) << err.str();
     EXPECT_NE(err.str().find(k.err), std::string::npos) << err.str();
   }
+}
+
+// Each --out is written: SVG by the core, the other formats handed on with the whole picture.
+TEST(ChartRun, EveryOutputGetsThePicture) {
+  TempDir d;
+  WriteWorld(d);
+  std::ostringstream out, err, handed;
+  const auto options =
+      ParseChartArgs({"--data", d.path().string(), "--out", (d.path() / "c.png").string(), "--out",
+                      (d.path() / "c.svg").string(), "--out", (d.path() / "c.pdf").string(),
+                      "--airport", "xtst", "--approach", "GPS 9"},
+                     "/nowhere", err);
+  ASSERT_TRUE(options.has_value());
+  TraceCanvas tracer(handed);
+  Lines formats;
+  const auto writer = [&](const RecordingCanvas& picture, const std::filesystem::path& path, double,
+                          std::ostream&) {
+    formats.push_back(path.extension().string());
+    picture.replay(tracer);
+    return static_cast<bool>(std::ofstream(path) << "picture");
+  };
+  EXPECT_EQ(RunChart(*options, writer, out, err), 0) << err.str();
+  EXPECT_EQ(formats, (Lines{".png", ".pdf"}));
+  const Lines drawn = TakeLines(handed);
+  EXPECT_EQ(Count(drawn, "cls"), 2);
+  EXPECT_EQ(Count(drawn, "line 6100 4100 6550 5000 0,128,0 2 0"), 2);
+  std::ifstream svg(d.path() / "c.svg");
+  const std::string text{std::istreambuf_iterator<char>(svg), {}};
+  EXPECT_TRUE(text.starts_with("<svg ")) << text.substr(0, 100);
+  const std::string track =
+      R"x(<line x1="6100" y1="4100" x2="6550" y2="5000" stroke="rgb(0,128,0)")x";
+  EXPECT_NE(text.find(track), std::string::npos);
+  // Print puts the top of the text at CurrentY, SVG its baseline: 0.9 em lower.
+  EXPECT_NE(
+      text.find(
+          R"x(<text x="100" y="352" font-size="280" font-weight="bold" fill="rgb(0,0,0)">XTST</text>)x"),
+      std::string::npos);
+  EXPECT_TRUE(text.ends_with("</svg>\n"));
+  SvgCanvas markup;
+  markup.Cls();
+  markup.Print("a<b&c>\xB0");
+  EXPECT_NE(markup.document().find(">a&lt;b&amp;c&gt;\u00B0</text>"), std::string::npos);
 }
 
 }  // namespace

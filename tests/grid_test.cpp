@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
+#include "data/numbers.h"
 #include "geometry/coords.h"
 #include "geometry/mapping.h"
 
@@ -37,10 +39,34 @@ TEST(CoordGrid, CoordinateTextToGrid) {
   for (const auto& c : cases) EXPECT_EQ(c.fn(c.text), c.grid) << '"' << c.text << '"';
 }
 
+// A sign in front or behind; two do not cancel. Nothing but digits and one point.
+TEST(Numbers, ParseAndRound) {
+  const std::pair<const char*, std::optional<double>> parsed[] = {
+      {"18.55-", -18.55},    {"-3", -3.0},
+      {"-1-", -1.0},         {"1.", 1.0},
+      {".5", 0.5},           {"0.125", 0.125},
+      {"", std::nullopt},    {".", std::nullopt},
+      {"-", std::nullopt},   {"1-2", std::nullopt},
+      {"1e5", std::nullopt}, {"1.2.3", std::nullopt},
+      {"+1", std::nullopt},  {"12345678901234567", 12345678901234567.0}};
+  for (const auto& [text, value] : parsed) EXPECT_EQ(ParseNumber(text), value) << text;
+  for (auto [value, even, away] :
+       {std::tuple{2.5, 2, 3}, {3.5, 4, 4}, {-2.5, -2, -3}, {0.49, 0, 0}, {-7.6, -8, -8}}) {
+    EXPECT_EQ(std::pair(RoundEven(value), RoundAway(value)), std::pair(even, std::int64_t{away}))
+        << value;
+  }
+  EXPECT_EQ(RoundEven(1e12), INT32_MAX);
+  EXPECT_EQ(RoundEven(-1e12), INT32_MIN);
+}
+
 TEST(CoordGrid, MetersToFeet) {
   // -10M is -32.8 ft; 6.25M is exactly 20.5 ft, and ties go to the even number.
-  for (auto [metres, feet] :
-       {std::pair{"130.2M", "427"}, {"", "0"}, {"-10M", "-33"}, {"6.25M", "20"}}) {
+  for (auto [metres, feet] : {std::pair{"130.2M", "427"},
+                              {"", "0"},
+                              {"M", "0"},
+                              {"x1M", ""},
+                              {"-10M", "-33"},
+                              {"6.25M", "20"}}) {
     EXPECT_EQ(MetersToFeet(metres), feet) << metres;
   }
 }

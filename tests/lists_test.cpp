@@ -21,12 +21,13 @@ constexpr std::int32_t kY0 = 19440000;
 TEST(VorList, CoordinateTextFromTheFieldsAndSlots) {
   TempDir dir;
   Store store;
-  const std::string file = CrLf(
-      {"1;-122;-18.55;47;26.390;0;SEA;116.80", "2;8;34.12;-33;-56.50;0;ZRH;114.85", "short;1;2", "",
-       "3;0;-10.5;0;-0.5;x;GRN;110.00;9;10", "4;8;34,12;-12;-18,55;0;CMA;112.00"});
+  const std::string file =
+      CrLf({"1;-122;-18.55;47;26.390;0;SEA;116.80", "2;8;34.12;-33;-56.50;0;ZRH;114.85",
+            "short;1;2", "", "3;0;-10.5;0;-0.5;x;GRN;110.00;9;10",
+            "4;8;34,12;-12;-18,55;0;CMA;112.00", "7;1;0.0;1;0.0;0;SEVEN"});
   const VorReport report = LoadVor(store, dir.write("vor.nav", file));
   EXPECT_EQ(std::tie(report.opened, report.skipped, report.dropped, store.VorLast),
-            std::tuple(true, 2, 0, 3));
+            std::tuple(true, 3, 0, 3));
   // Trailing zeros stay, north and south.
   const char* want[] = {"SEA|W122 18.55|N47 26.390|116.80", "ZRH|E8 34.12|S33 56.5|114.85",
                         "GRN|E0 -10.5|N0 -0.5|110.00"};

@@ -8,6 +8,7 @@
 
 #include "data/decoders.h"
 #include "data/extract.h"
+#include "data/line_reader.h"
 #include "data/text.h"
 #include "test_support.h"
 
@@ -99,6 +100,51 @@ TEST(Decoders, ScanElementThenKeyAndQuotedValues) {
     EXPECT_EQ(std::tuple(element, AttrKey(key), AttrValue(line), AttrValue2(line)),
               std::tuple(c.element, c.key, c.first, c.second))
         << c.line;
+  }
+}
+
+// Windows-1252 both ways, and upper case for the accented letters but not for the signs
+// that share their rows (division, multiplication).
+TEST(Text, Cp1252CaseAndUtf8) {
+  EXPECT_EQ(UpperCase("ab\xE9\xF7\xD7\xFF\x9A\xDFz1"), "AB\xC9\xF7\xD7\x9F\x8A\xDFZ1");
+  const std::string all = "A\x80\x81\x9F\xA0\xB0\xFF";
+  EXPECT_EQ(Cp1252ToUtf8(all), "A\u20AC\u0081\u0178\u00A0\u00B0\u00FF");
+  EXPECT_EQ(Utf8ToCp1252(Cp1252ToUtf8(all)), all);
+  EXPECT_EQ(Utf8ToCp1252("\u4E2D\xC3"), "??");
+  EXPECT_TRUE(ContainsNoCase("ils rwy 16L", "RWY 16l") && !ContainsNoCase("ILS", "ILSX"));
+}
+
+// With the smallest buffer every line end, CR LF included, falls across a refill somewhere.
+TEST(LineReaderTest, LineEndsAcrossTheBufferEdge) {
+  TempDir dir;
+  const std::string text =
+      "<Airport ident=\"A\"\r\n\r\nab\rcd\n\nef\r\r\n<Airport ident=\"B\"\r\n" +
+      std::string(40, 'x') + "\r<Airport ident=\"C\"";
+  const Lines all = {"<Airport ident=\"A\"",
+                     "",
+                     "ab",
+                     "cd",
+                     "",
+                     "ef",
+                     "",
+                     "<Airport ident=\"B\"",
+                     std::string(40, 'x'),
+                     "<Airport ident=\"C\""};
+  const Lines airports = {all[0], all[7], all[9]};
+  for (std::size_t lead = 0; lead < 17; ++lead) {
+    const auto file = dir.write("lines.txt", std::string(lead, ' ') + text);
+    for (bool skipping : {false, true}) {
+      LineReader reader(16);
+      ASSERT_TRUE(reader.open(file));
+      Lines got;
+      std::string_view line;
+      while (skipping ? reader.nextContaining("<Airport", line) : reader.next(line))
+        got.emplace_back(line);
+      Lines want = skipping ? airports : all;
+      want[0].insert(0, lead, ' ');
+      EXPECT_EQ(got, want) << lead << ' ' << skipping;
+      EXPECT_FALSE(reader.failed());
+    }
   }
 }
 
@@ -206,9 +252,13 @@ TEST_F(ExtractTest, RecordsCloseOnTheirLastLineAndOnlyTheAskedAirportStays) {
     EXPECT_EQ(store.ArptIdent + store.ArptName + store.Com[0].name, "") << first;
   }
   store.ArptName = "Old";
+  const auto lasts = {&store.RwyLast,      &store.ComLast, &store.IlsLast,   &store.NdbLast,
+                      &store.WaypointLast, &store.AppLast, &store.TransLast, &store.LegLast};
+  for (std::int32_t* last : lasts) *last = 5;
   const ExtractReport missing = ExtractArpt(store, dir.path() / "FSXFiles/none.xml", "KAAA");
   EXPECT_FALSE(missing.opened || missing.found);
   EXPECT_EQ(store.ArptName, "");
+  for (std::int32_t* last : lasts) EXPECT_EQ(*last, 0);
 }
 
 TEST_F(ExtractTest, RecordsBeyondTheLastSlotAreDropped) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+#include <tuple>
 
 #include "charts/charts.h"
 #include "test_support.h"
@@ -47,6 +48,22 @@ TEST(Sheet, VariationTextSidesAndRounding) {
       {"0.125", "0.13\xB0 W"}, {"359.995", "0.01\xB0 E"}, {"", ""}};
   // clang-format on
   for (const auto& [magvar, text] : cases) EXPECT_EQ(VariationText(magvar), text) << magvar;
+}
+
+TEST(Sheet, TitleBlockTexts) {
+  Chart chart;
+  Store& s = chart.s;
+  std::tie(s.ArptIdent, s.ArptCity, s.ArptName, s.ArptState, s.ArptCountry) =
+      std::tuple("XTST", "Town", "Field", "ST", "Land");
+  std::tie(s.ArptAlt, s.ArptMagvar) = std::tuple("130.2M", "341");
+  const Lines t = chart.sheet();
+  EXPECT_EQ(Lines(t.begin(), t.begin() + 8),
+            (Lines{"cls", "print 100 100 0,0,0 14 1 XTST", "print 2100 100 0,0,0 14 0 Town  Field",
+                   "print 10100 100 0,0,0 14 0 ST  Land", "line 0 500 14415 500 0,0,0 1 0",
+                   "print 100 550 0,0,0 12 1 Elev: 427",
+                   "print 5100 550 0,0,0 10 0 N10 00.00   E10 00.00" + std::string(31, ' ') +
+                       "Magnetic Variation: 19.00\u00b0 E",
+                   "line 0 900 14415 900 0,0,0 1 0"}));
 }
 
 TEST(Sheet, ScaleTicksAndWarningAtEveryZoom) {
@@ -125,6 +142,8 @@ TEST(Plan, VorRangeTestLooksAtXBeforePan) {
         F("circle %d 20000 90 0,0,255 1 0", x), F("print %d 20000 0,0,255 10 1 VOA", x + 500),
         F("print %d 20200 0,0,255 10 1 113.40", x + 500)};
     EXPECT_EQ(chart.sheet("0,0,255"), drawn ? want : Lines{}) << x0;
+    // The next layer finds the label font plain and the pen black.
+    EXPECT_TRUE(!chart.c.pen.FontBold && chart.c.pen.ForeColor == kBlack) << x0;
   }
 }
 

@@ -1,4 +1,4 @@
-#include "geometry/numbers.h"
+#include "data/numbers.h"
 
 #include <charconv>
 #include <cmath>
