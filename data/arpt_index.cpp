@@ -51,7 +51,14 @@ class FileIndexer {
     if (!reader.open(path)) return false;
     std::string curElement;
     std::string_view raw;
-    while (NextAirportLine(reader, inAirport_, raw)) {
+    // Once the airport's own element is behind, only a line naming "Airport" can matter: it
+    // may open the next airport, close this one or bring its element back. The rest is
+    // skipped the way the reader skips other airports.
+    const auto next = [&] {
+      if (inAirport_ && curElement != "<Airport") return reader.nextContaining("Airport", raw);
+      return NextAirportLine(reader, inAirport_, raw);
+    };
+    while (next()) {
       const LineHead head = ReadLineHead(raw);
       if (head.opensAirport) {
         finish();

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "data/arpt_index.h"
+#include "data/extract.h"
 #include "shell/data_dir.h"
 #include "shell/index_run.h"
 #include "test_support.h"
@@ -131,15 +132,30 @@ TEST(IndexBuild, FieldsBytesAndOrder) {
   dir.write("FSXFiles/b.txt", AirportText("XBBB", "", "Bb\xe9 City", false, true) +
                                   AirportText("XAAA", "Am\xe9ssa; Field", "", false, true));
   dir.write("FSXFiles/a.txt", CrLf({"<Airport ident=\"XCCC\"", "state=\"Ost\"", "</Airport>"}));
+  // A tab-led opening line is no airport to the reader: behind a </Airport> its lines are
+  // passed over; without the </Airport> they belong to the airport before it.
+  dir.write(
+      "FSXFiles/c.txt",
+      CrLf({"<Airport ident=\"XDDD\"", "name=\"Dd\"", "<Tower", "name=\"tower\"", "</Airport>",
+            "\t<Airport ident=\"XEEE\"", "name=\"Ee\"", "</Airport>", "<Airport ident=\"XFFF\"",
+            "name=\"Ff\"", "<Tower", "\t<Airport ident=\"XGGG\"", "name=\"Gg\"", "</Airport>"}));
   std::string err, out;
   ASSERT_EQ(RunTool({dir.path(), "-", false}, err, &out), 0) << err;
+  const auto store = std::make_unique<Store>();
+  for (const auto& [ident, name] : {std::pair{"XDDD", "Dd"}, std::pair{"XFFF", "Gg"}}) {
+    ExtractArpt(*store, dir.path() / "FSXFiles/c.txt", ident);
+    EXPECT_EQ(store->ArptName, name);
+  }
   // Files in name order, airports in file order; city for an empty name, state for no
   // country; ";" can't split a field; Windows-1252 bytes as they were.
   EXPECT_EQ(out,
             "XCCC;;Ost;a.txt\r\nXBBB;Bb\xe9 City;Veldmark;b.txt\r\n"
-            "XAAA;Am\xe9ssa, Field;Veldmark;b.txt\r\n");
+            "XAAA;Am\xe9ssa, Field;Veldmark;b.txt\r\nXDDD;Dd;;c.txt\r\nXFFF;Gg;;c.txt\r\n");
   EXPECT_FALSE(fs::exists(dir.path() / "Arpt index.txt"));
-  EXPECT_EQ(err, "3 airports in 2 files, 0 files skipped\n");
+  const std::string tabLed =
+      "c.txt: a line with <Airport ident that the reader passes over (it does not begin with it, "
+      "or begins with a tab)\n";
+  EXPECT_EQ(err, tabLed + tabLed + "5 airports in 3 files, 0 files skipped\n");
 }
 
 TEST(IndexBuild, BadFoldersWriteNothing) {
