@@ -22,6 +22,11 @@ bool NextAirportLine(LineReader& reader, bool inAirport, std::string_view& raw) 
 }
 
 std::string_view AirportLine::take(std::string_view raw, std::string& curElement) {
+  // Most lines hold neither a tab nor "<": they need no copy and leave the element as it is.
+  if (std::none_of(raw.begin(), raw.end(), [](char c) { return c == '\t' || c == '<'; })) {
+    line_ = raw;
+    return AttrKey(line_);
+  }
   work_.assign(raw);
   std::replace(work_.begin(), work_.end(), '\t', ' ');
   scratch_ = work_;

@@ -30,7 +30,8 @@ bool NextAirportLine(LineReader& reader, bool inAirport, std::string_view& raw);
 class AirportLine {
  public:
   std::string_view take(std::string_view raw, std::string& curElement);
-  // The line without tabs and leading blanks, valid until the next take().
+  // The line without tabs and leading blanks, valid until the next take() and, as it may
+  // view the raw line, until the next read.
   std::string_view line() const { return line_; }
 
  private:

@@ -50,28 +50,33 @@ class FileIndexer {
     LineReader reader;
     if (!reader.open(path)) return false;
     std::string curElement;
+    bool own = false;  // the lines now read belong to the airport's own element
     std::string_view raw;
     // Once the airport's own element is behind, only a line naming "Airport" can matter: it
     // may open the next airport, close this one or bring its element back. The rest is
     // skipped the way the reader skips other airports.
     const auto next = [&] {
-      if (inAirport_ && curElement != "<Airport") return reader.nextContaining("Airport", raw);
+      if (inAirport_ && !own) return reader.nextContaining("Airport", raw);
       return NextAirportLine(reader, inAirport_, raw);
     };
     while (next()) {
-      const LineHead head = ReadLineHead(raw);
+      // Without "<" a line can neither open an airport nor name one.
+      const bool angle = raw.find('<') != std::string_view::npos;
+      const LineHead head = angle ? ReadLineHead(raw) : LineHead{};
       if (head.opensAirport) {
         finish();
         open(head.ident);
-      } else if (raw.find(kAirportKey) != std::string_view::npos) {
+      } else if (!inAirport_ || (angle && raw.find(kAirportKey) != std::string_view::npos)) {
+        // Outside an airport every line read holds it.
         warn("a line with " + std::string(kAirportKey) +
              " that the reader passes over (it does not begin with it, or begins with a tab)");
       }
       if (!inAirport_) continue;
       const std::string_view key = line_.take(raw, curElement);
+      own = curElement == "<Airport";
       if (curElement == "</Airport>") {
         finish();
-      } else if (curElement == "<Airport" && current_) {
+      } else if (own && current_) {
         if (const int i = ArptKeyIndex(key); i >= 0 && i <= kArptName) {
           fields_[static_cast<std::size_t>(i)] = AttrValue(line_.line());
         }

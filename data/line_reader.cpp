@@ -25,6 +25,32 @@ const char* FindLineEnd(const char* p, const char* end) {
   return p;
 }
 
+// The first `needle` in [p, end), or null. Candidates are the places where both the first
+// and the last byte of the needle match, sixteen at a time; memmem's general search is
+// several times slower on the short keys the readers skip to.
+const char* FindNeedle(const char* p, const char* end, std::string_view needle) {
+  const std::size_t n = needle.size();
+  if (n == 0) return p;
+  if (static_cast<std::size_t>(end - p) < n) return nullptr;
+#if defined(__SSE2__)
+  const __m128i first = _mm_set1_epi8(needle.front());
+  const __m128i last = _mm_set1_epi8(needle.back());
+  for (; end - p >= static_cast<std::ptrdiff_t>(n + 15); p += 16) {
+    const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + n - 1));
+    auto hits = static_cast<unsigned>(
+        _mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi8(a, first), _mm_cmpeq_epi8(b, last))));
+    while (hits != 0) {
+      const int at = __builtin_ctz(hits);
+      if (std::memcmp(p + at, needle.data(), n) == 0) return p + at;
+      hits &= hits - 1;
+    }
+  }
+#endif
+  const void* hit = memmem(p, static_cast<std::size_t>(end - p), needle.data(), n);
+  return static_cast<const char*>(hit);
+}
+
 }  // namespace
 
 LineReader::LineReader(std::size_t chunkBytes)
@@ -99,9 +125,9 @@ bool LineReader::nextContaining(std::string_view needle, std::string_view& line)
   for (;;) {
     const char* base = buf_.data();
     const char* from = base + pos_;
-    const void* hit = memmem(from, end_ - pos_, needle.data(), needle.size());
+    const char* hit = FindNeedle(from, base + end_, needle);
     if (hit != nullptr) {
-      const char* start = static_cast<const char*>(hit);
+      const char* start = hit;
       while (start > from && start[-1] != '\n' && start[-1] != '\r') --start;
       pos_ = start - base;
       return next(line);
