@@ -11,6 +11,7 @@
 
 #include "data/arpt_index.h"
 #include "data/extract.h"
+#include "data/line_reader.h"
 #include "shell/data_dir.h"
 #include "shell/index_run.h"
 #include "test_support.h"
@@ -216,6 +217,30 @@ TEST(IndexBuild, CheckComparesWithoutWriting) {
   }
   fs::remove(dir.path() / "Arpt index.txt");
   EXPECT_EQ(RunTool({dir.path(), "", true}, err), 1);
+}
+
+TEST(LineReaderSkip, FindsEveryKeyAcrossBufferEdges) {
+  // Keys at every offset of small buffers, a near miss in front of each, line ends of all kinds.
+  TempDir dir;
+  std::string text;
+  std::vector<std::string> want;
+  for (int i = 0; i < 60; ++i) {
+    text += std::string(static_cast<std::size_t>(i % 23), ' ') + "<Airport iden" + "\r\n";
+    const std::string line = std::string(static_cast<std::size_t>(i % 17), 'x') +
+                             "<Airport ident=\"" + std::to_string(i) + "\"";
+    want.push_back(line);
+    text += line + (i % 3 == 0 ? "\r\n" : i % 3 == 1 ? "\n" : "\r");
+  }
+  const fs::path file = dir.write("keys.txt", text);
+  for (const std::size_t chunk : {16u, 17u, 31u, 64u, 1u << 20}) {
+    LineReader reader(chunk);
+    ASSERT_TRUE(reader.open(file));
+    std::vector<std::string> got;
+    for (std::string_view line; reader.nextContaining("<Airport ident", line);) {
+      got.emplace_back(line);
+    }
+    EXPECT_EQ(got, want) << "chunk " << chunk;
+  }
 }
 
 TEST(IndexArgs, OptionsAndMistakes) {
