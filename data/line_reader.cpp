@@ -122,13 +122,18 @@ bool LineReader::next(std::string_view& line) {
 }
 
 bool LineReader::nextContaining(std::string_view needle, std::string_view& line) {
+  // A long unfinished line is kept across reads; what of it was searched, or walked for its
+  // start, is not gone over again, so a huge line costs one pass, not one per read.
+  std::size_t searched = 0;  // bytes from pos_ on without a match beginning in them
+  std::size_t plain = 0;     // bytes from pos_ on without a line end
   for (;;) {
     const char* base = buf_.data();
     const char* from = base + pos_;
-    const char* hit = FindNeedle(from, base + end_, needle);
+    const char* hit = FindNeedle(from + searched, base + end_, needle);
     if (hit != nullptr) {
       const char* start = hit;
-      while (start > from && start[-1] != '\n' && start[-1] != '\r') --start;
+      while (start > from + plain && start[-1] != '\n' && start[-1] != '\r') --start;
+      if (start <= from + plain) start = from;
       pos_ = start - base;
       return next(line);
     }
@@ -138,8 +143,11 @@ bool LineReader::nextContaining(std::string_view needle, std::string_view& line)
     }
     // Keep only the unfinished last line: a match may still begin in it.
     const char* tail = base + end_;
-    while (tail > from && tail[-1] != '\n' && tail[-1] != '\r') --tail;
+    while (tail > from + plain && tail[-1] != '\n' && tail[-1] != '\r') --tail;
+    if (tail <= from + plain) tail = from;
     pos_ = tail - base;
+    plain = end_ - pos_;
+    searched = plain >= needle.size() ? plain - (needle.size() - 1) : 0;
     fill();
   }
 }
