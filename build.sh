@@ -10,7 +10,7 @@ cd "$(dirname "$0")"
 BUILD=${BUILD:-build}
 
 packages=(cmake ninja-build g++ qt6-base-dev libgl-dev libgtest-dev libbenchmark-dev
-  fonts-dejavu-core xvfb xauth x11-apps imagemagick)
+  fonts-dejavu-core xvfb xauth x11-apps imagemagick pkg-config libqpdf-dev)
 
 install_missing() {
   local missing=()

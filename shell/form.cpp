@@ -1,5 +1,6 @@
 #include "shell/form.h"
 
+#include <algorithm>
 #include <array>
 
 #include "charts/charts.h"
@@ -197,6 +198,19 @@ void ArptForm::picArpt_MouseDown(int /*button*/, int /*shift*/, double x, double
   }
   view_.PanX = RoundEven(static_cast<double>(view_.PanX) + kArpScreenX - RoundEven(x));
   view_.PanY = RoundEven(static_cast<double>(view_.PanY) + kArpScreenY - RoundEven(y));
+  redraw();
+}
+
+void ArptForm::showView(std::int32_t zoom, std::int32_t panX, std::int32_t panY) {
+  if (!store_.hasAirport() || !controls_.cmdPlus.enabled) return;
+  zoom = std::clamp(zoom - zoom % kZoomStep, kZoomMin, kZoomMax);
+  // A zoom step rewrites the caption even when it changes nothing; no step leaves it.
+  if (zoom != view_.Zoom) {
+    view_.Zoom = zoom;
+    setZoomCaption("");
+  }
+  view_.PanX = panX;
+  view_.PanY = panY;
   redraw();
 }
 

@@ -29,7 +29,9 @@ int main(int argc, char** argv) {
   const std::filesystem::path dataDir = velmora::ChooseDataDir(
       QCoreApplication::applicationDirPath().toStdString(),
       velmora::UserDataDir(std::getenv("XDG_DATA_HOME"), std::getenv("HOME")));
-  const auto options = velmora::ParseChartArgs(args, dataDir, std::cerr);
+  auto options = velmora::ParseChartArgs(args, dataDir, std::cerr);
   if (!options) return 2;
-  return velmora::RunChart(*options, velmora::WritePicture, std::cout, std::cerr);
+  options->progress = isatty(STDERR_FILENO) == 1;
+  return velmora::RunChart(*options, velmora::WritePicture, velmora::MakeKitPdf, std::cout,
+                           std::cerr);
 }
