@@ -9,7 +9,7 @@ set -euo pipefail
 cd "$(dirname "$0")"
 BUILD=${BUILD:-build}
 
-packages=(cmake ninja-build g++ qt6-base-dev libgl-dev libgtest-dev libbenchmark-dev
+packages=(cmake ninja-build g++ qt6-base-dev libgl-dev libgtest-dev libbenchmark-dev poppler-utils
   fonts-dejavu-core xvfb xauth x11-apps imagemagick pkg-config libqpdf-dev)
 
 install_missing() {

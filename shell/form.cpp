@@ -30,13 +30,13 @@ std::string VorProblem(const VorReport& r) {
   return text.empty() ? text : "Velmora - " + file + ": " + text;
 }
 
+}  // namespace
+
 std::string ApproachRowText(const ApproachRow& a) {
   std::string text = a.type + " " + a.runway;
   if (a.designator != "NONE" && !a.designator.empty()) text += a.designator.front();
   return text;
 }
-
-}  // namespace
 
 ArptForm::ArptForm(Store& store, Canvas& canvas, std::filesystem::path dataDir)
     : store_(store), canvas_(canvas), dataDir_(std::move(dataDir)) {}

@@ -43,6 +43,9 @@ inline constexpr std::string_view kIndexFileName = "Arpt index.txt";
 inline constexpr std::string_view kVorFileName = "vor.nav";
 inline constexpr std::string_view kAirportFolder = "FSXFiles";
 
+// The row of cmbAPP for an approach: type, blank, runway and the designator's first letter.
+std::string ApproachRowText(const ApproachRow& a);
+
 class ArptForm {
  public:
   // `dataDir` stands for the folder of the executable: the index, the VOR list and FSXFiles.

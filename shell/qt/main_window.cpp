@@ -1,12 +1,23 @@
 #include "shell/qt/main_window.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QFileDialog>
 #include <QFontDatabase>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QScrollBar>
 #include <QShortcut>
+#include <QWheelEvent>
+#include <sstream>
 
 #include "data/text.h"
+#include "shell/chart_name.h"
+#include "shell/chart_run.h"
+#include "shell/qt/pictures.h"
 
 namespace velmora {
 namespace {
@@ -55,12 +66,22 @@ void ShowCombo(QComboBox* box, const ComboBox& state) {
   QStringList shown;
   for (int i = 0; i < box->count(); ++i) shown << box->itemText(i);
   const QSignalBlocker block(box);
+  const QString text = ToQt(state.text);
+  int current = box->currentIndex();
   if (rows != shown) {
     box->clear();
     box->addItems(rows);
+    current = -1;
+    // The opened list is as wide as its longest row, however narrow the box.
+    QAbstractItemView* view = box->view();
+    const bool scrolls = box->count() > box->maxVisibleItems();
+    view->setMinimumWidth(view->sizeHintForColumn(0) + 2 * view->frameWidth() +
+                          (scrolls ? view->verticalScrollBar()->sizeHint().width() : 0));
   }
-  box->setCurrentIndex(-1);
-  box->setEditText(ToQt(state.text));
+  // Keep the row that was picked, so that Up and Down go on from there.
+  if (current < 0 || box->itemText(current) != text) current = rows.indexOf(text);
+  box->setCurrentIndex(current);
+  box->setEditText(text);
   box->setEnabled(state.enabled);
 }
 
@@ -71,12 +92,55 @@ void ShowButton(QPushButton* button, const Control& state) {
   button->setEnabled(state.enabled);
 }
 
+bool SavePicture(const RecordingCanvas& picture, const std::filesystem::path& path, double scale) {
+  std::ostringstream ignored;  // the window says it in the caption
+  return WriteWhole(
+      path,
+      [&](const std::filesystem::path& temp) {
+        return PictureExtension(path) == ".svg" ? WriteSvg(picture, temp, ignored)
+                                                : WritePicture(picture, temp, scale, ignored);
+      },
+      ignored);
+}
+
+bool AskPrinter(QWidget* parent, QPrinter& printer) {
+  QPrintDialog dialog(&printer, parent);
+  return dialog.exec() == QDialog::Accepted;
+}
+
+std::optional<SaveChoice> AskSavePath(QWidget* parent, const QString& suggested) {
+  struct Kind {
+    const char* filter;
+    const char* ext;
+    double scale;
+  };
+  static constexpr Kind kKinds[] = {{"PNG picture, screen size (*.png)", ".png", 1},
+                                    {"PNG picture, double size (*.png)", ".png", 2},
+                                    {"PNG picture, four times the size (*.png)", ".png", 4},
+                                    {"SVG drawing (*.svg)", ".svg", 1},
+                                    {"PDF page (*.pdf)", ".pdf", 1}};
+  QStringList filters;
+  for (const Kind& k : kKinds) filters << k.filter;
+  QFileDialog dialog(parent, "Save chart");
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setNameFilters(filters);
+  dialog.selectFile(suggested + ".png");
+  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+  const Kind& kind = kKinds[std::max<qsizetype>(0, filters.indexOf(dialog.selectedNameFilter()))];
+  SaveChoice choice{dialog.selectedFiles().front(), kind.scale};
+  // A name typed without extension takes the chosen kind's.
+  if (PictureExtension(choice.path.toStdString()).empty()) choice.path += kind.ext;
+  return choice;
+}
+
 }  // namespace
 
 ChartView::ChartView(QWidget* parent) : QWidget(parent) {
   setAttribute(Qt::WA_OpaquePaintEvent);
+  setFocusPolicy(Qt::StrongFocus);
   tee_.add(recording_);
   tee_.add(raster_);
+  tee_.add(ink_);
   // Start from the background the picture clears to.
   raster_.drawCls();
 }
@@ -97,11 +161,32 @@ void ChartView::mousePressEvent(QMouseEvent* event) {
                at.y());
 }
 
+void ChartView::wheelEvent(QWheelEvent* event) {
+  // One step per notch of 15 degrees; finer wheels add up to a notch.
+  wheelEighths_ += event->angleDelta().y();
+  for (; wheelEighths_ >= 120; wheelEighths_ -= 120) emit zoomStep(+1);
+  for (; wheelEighths_ <= -120; wheelEighths_ += 120) emit zoomStep(-1);
+  event->accept();
+}
+
+void ChartView::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Plus) {
+    emit zoomStep(+1);
+  } else if (event->key() == Qt::Key_Minus) {
+    emit zoomStep(-1);
+  } else {
+    QWidget::keyPressEvent(event);
+  }
+}
+
 MainWindow::MainWindow(std::filesystem::path dataDir, const std::string& commandLine)
     : store_(std::make_unique<Store>()) {
+  askPrinter = [this](QPrinter& printer) { return AskPrinter(this, printer); };
+  askSavePath = [this](const QString& suggested) { return AskSavePath(this, suggested); };
   setWindowTitle("Velmora");
   setWindowIcon(MakeIcon());
-  setFixedSize(Px(16815), Px(10470));
+  // An ordinary frame: resizing moves nothing, the rest is black background.
+  resize(Px(16815), Px(10470));
   QPalette black = palette();
   black.setColor(QPalette::Window, Qt::black);
   setPalette(black);
@@ -141,6 +226,30 @@ MainWindow::MainWindow(std::filesystem::path dataDir, const std::string& command
     box->setEditable(true);
     box->setInsertPolicy(QComboBox::NoInsert);
     box->setFont(ConsoleFont(14.25, false));
+    // Disabled, the list still says what it is for ("Approach", "XWHL APP"): grey, not faint.
+    QPalette readable = box->palette();
+    readable.setColor(QPalette::Disabled, QPalette::Text, QColor(96, 96, 96));
+    readable.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(96, 96, 96));
+    box->setPalette(readable);
+    // Typing into the edit field picks nothing: no completion, and neither Enter nor leaving
+    // the field looks the text up among the rows.
+    box->setCompleter(nullptr);
+    QObject::disconnect(box->lineEdit(), &QLineEdit::editingFinished, box, nullptr);
+    QObject::disconnect(box->lineEdit(), &QLineEdit::returnPressed, box, nullptr);
+  }
+  for (auto [widget, name] :
+       std::initializer_list<std::pair<QWidget*, const char*>>{{picArpt_, "picArpt"},
+                                                               {txtSearch_, "txtSearch"},
+                                                               {cmdSearch_, "cmdSearch"},
+                                                               {lblSearch_, "lblSearch"},
+                                                               {cmdExit_, "cmdExit"},
+                                                               {cmdArpt_, "cmdArpt"},
+                                                               {cmdPlus_, "cmdPlus"},
+                                                               {cmdMinus_, "cmdMinus"},
+                                                               {cmdZoom_, "cmdZoom"},
+                                                               {cmbAPP_, "cmbAPP"},
+                                                               {cmbTerm_, "cmbTerm"}}) {
+    widget->setObjectName(name);
   }
   QWidget* order[] = {picArpt_, txtSearch_, cmdSearch_, cmdExit_, cmdArpt_,
                       cmdPlus_, cmdMinus_,  cmdZoom_,   cmbAPP_,  cmbTerm_};
@@ -157,16 +266,20 @@ MainWindow::MainWindow(std::filesystem::path dataDir, const std::string& command
           [this](const QString& text) { form_->setSearchText(Utf8ToCp1252(text.toStdString())); });
   connect(cmdSearch_, &QPushButton::clicked, this,
           [this] { run([&] { form_->cmdSearch_Click(); }); });
-  // Enter searches, as with a default button, except in the lists, where it picks a row.
-  for (auto key : {Qt::Key_Return, Qt::Key_Enter}) {
-    connect(new QShortcut(QKeySequence(key), this), &QShortcut::activated, this, [this] {
-      const QWidget* focus = focusWidget();
-      const bool inList =
-          focus != nullptr && (cmbAPP_->isAncestorOf(focus) || cmbTerm_->isAncestorOf(focus) ||
-                               focus == cmbAPP_ || focus == cmbTerm_);
-      if (!inList) cmdSearch_->click();
-    });
+  // Enter goes where the desktop sends it; see eventFilter.
+  for (QWidget* w : std::initializer_list<QWidget*>{
+           picArpt_, txtSearch_, cmdSearch_, cmdExit_, cmdArpt_, cmdPlus_, cmdMinus_, cmdZoom_,
+           cmbAPP_, cmbAPP_->lineEdit(), cmbTerm_, cmbTerm_->lineEdit()}) {
+    w->installEventFilter(this);
   }
+  connect(new QShortcut(QKeySequence::Print, this), &QShortcut::activated, this,
+          &MainWindow::printChart);
+  connect(new QShortcut(QKeySequence::Save, this), &QShortcut::activated, this,
+          &MainWindow::saveChart);
+  connect(picArpt_, &ChartView::zoomStep, this, [this](int direction) {
+    QPushButton* button = direction > 0 ? cmdPlus_ : cmdMinus_;
+    if (button->isEnabled()) button->click();
+  });
   connect(cmdExit_, &QPushButton::clicked, this, &QWidget::close);
   connect(cmdArpt_, &QPushButton::clicked, this, [this] { run([&] { form_->cmdArpt_Click(); }); });
   connect(cmdPlus_, &QPushButton::clicked, this, [this] { run([&] { form_->cmdPlus_Click(); }); });
@@ -180,6 +293,7 @@ MainWindow::MainWindow(std::filesystem::path dataDir, const std::string& command
   });
 
   run([&] { form_->Form_Load(Utf8ToCp1252(commandLine)); });
+  txtSearch_->setFocus();
 }
 
 MainWindow::~MainWindow() = default;
@@ -204,19 +318,63 @@ void MainWindow::showState(const Controls& c) {
   ShowCombo(cmbTerm_, c.cmbTerm);
 }
 
-void MainWindow::clickSearch(const QString& code) {
-  txtSearch_->setText(code);
-  form_->setSearchText(Utf8ToCp1252(code.toStdString()));
-  cmdSearch_->click();
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::KeyPress) return false;
+  const int key = static_cast<QKeyEvent*>(event)->key();
+  if (key != Qt::Key_Return && key != Qt::Key_Enter) return false;
+  // Enter presses the focused button; in cmbAPP it picks the row shown, in cmbTerm nothing;
+  // anywhere else it presses the default button.
+  if (auto* button = qobject_cast<QPushButton*>(watched)) {
+    if (button->isEnabled()) button->click();
+  } else if (watched == cmbAPP_ || watched == cmbAPP_->lineEdit()) {
+    pickShownRow();
+  } else if (watched != cmbTerm_ && watched != cmbTerm_->lineEdit()) {
+    cmdSearch_->click();
+  }
+  return true;
 }
 
-void MainWindow::pickApproach(int row) {
-  cmbAPP_->setCurrentIndex(row);
-  emit cmbAPP_->activated(row);
+void MainWindow::pickShownRow() {
+  const int row = cmbAPP_->currentIndex();
+  if (cmbAPP_->isEnabled() && row >= 0) emit cmbAPP_->activated(row);
 }
 
-void MainWindow::clickChart(double xTwips, double yTwips) {
-  run([&] { form_->picArpt_MouseDown(1, 0, xTwips, yTwips); });
+void MainWindow::printChart() {
+  if (!picArpt_->hasChart()) {
+    setWindowTitle("No chart to print yet - search for an airport and show its chart first");
+    return;
+  }
+  QPrinter printer(QPrinter::HighResolution);
+  printer.setPageOrientation(QPageLayout::Landscape);
+  printer.setDocName(QString::fromStdString(SuggestedChartName(form_->store())));
+  if (!askPrinter(printer)) return;
+  QPainter painter;
+  if (!painter.begin(&printer)) {
+    setWindowTitle("The printer could not be started - nothing printed");
+    return;
+  }
+  PaintPicture(painter, picArpt_->recording(), QRectF(0, 0, printer.width(), printer.height()),
+               printer.resolution());
+  painter.end();
+}
+
+void MainWindow::saveChart() {
+  if (!picArpt_->hasChart()) {
+    setWindowTitle("No chart to save yet - search for an airport and show its chart first");
+    return;
+  }
+  const std::optional<SaveChoice> choice =
+      askSavePath(QString::fromStdString(SuggestedChartName(form_->store())));
+  if (!choice) return;
+  const std::filesystem::path path = choice->path.toStdString();
+  const std::string ext = PictureExtension(path);
+  if (ext != ".png" && ext != ".svg" && ext != ".pdf") {
+    setWindowTitle("Charts are saved as .png, .svg or .pdf - nothing saved");
+  } else if (!SavePicture(picArpt_->recording(), path, choice->scale)) {
+    setWindowTitle(QString("Could not write %1 - nothing saved").arg(choice->path));
+  } else {
+    setWindowTitle(QString("Chart saved as %1").arg(choice->path));
+  }
 }
 
 }  // namespace velmora

@@ -7,34 +7,68 @@
 #include <QPushButton>
 #include <QWidget>
 #include <filesystem>
+#include <functional>
 #include <memory>
+#include <optional>
 
 #include "data/store.h"
 #include "shell/form.h"
 #include "shell/qt/qt_canvas.h"
 
+class QPrinter;
+
 namespace velmora {
 
-// picArpt: shows the raster picture and reports mouse presses in twips.
+// Tells whether anything stands on the picture since its last Cls.
+class InkCanvas final : public Canvas {
+ public:
+  bool inked() const { return inked_; }
+  void drawCls() override { inked_ = false; }
+  void drawLine(const Pen&, std::int32_t, std::int32_t, std::int32_t, std::int32_t) override {
+    inked_ = true;
+  }
+  void drawCircle(const Pen&, std::int32_t, std::int32_t, std::int32_t) override { inked_ = true; }
+  void drawText(const Pen&, std::string_view) override { inked_ = true; }
+
+ private:
+  bool inked_ = false;
+};
+
+// picArpt: shows the raster picture, reports mouse presses in twips, wheel notches and the
+// zoom keys.
 class ChartView final : public QWidget {
   Q_OBJECT
  public:
   explicit ChartView(QWidget* parent);
   Canvas& canvas() { return tee_; }
   const QImage& image() const { return raster_.image(); }
+  const RecordingCanvas& recording() const { return recording_; }
+  bool hasChart() const { return ink_.inked(); }
 
  signals:
   void pressed(int button, int shift, double x, double y);
+  // +1 zoom in, -1 zoom out: one wheel notch or one press of + or -.
+  void zoomStep(int direction);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
-  // The recording lets the picture be painted anew at another device pixel ratio.
+  // The recording lets the picture be painted anew at another device pixel ratio, printed
+  // and saved exactly as shown.
   RecordingCanvas recording_;
   RasterCanvas raster_;
+  InkCanvas ink_;
   TeeCanvas tee_;
+  int wheelEighths_ = 0;  // eighths of a degree not yet spent on a step
+};
+
+struct SaveChoice {
+  QString path;
+  double scale = 1.0;  // PNG pixels per screen pixel
 };
 
 class MainWindow final : public QWidget {
@@ -46,19 +80,22 @@ class MainWindow final : public QWidget {
   const ArptForm& form() const { return *form_; }
   ChartView* chart() const { return picArpt_; }
 
-  // The same as a user's click or pick, for tests and scripted screenshots.
-  void clickSearch(const QString& code);
-  void clickLoad() { cmdArpt_->click(); }
-  void pickApproach(int row);
-  void clickZoomIn() { cmdPlus_->click(); }
-  void clickZoomOut() { cmdMinus_->click(); }
-  void clickResetZoom() { cmdZoom_->click(); }
-  void clickChart(double xTwips, double yTwips);
+  // The dialogs, replaceable so that tests need no modal window. askPrinter sets up the
+  // printer and says whether to print; askSavePath gets the suggested file name.
+  std::function<bool(QPrinter&)> askPrinter;
+  std::function<std::optional<SaveChoice>(const QString& suggested)> askSavePath;
+
+  void printChart();
+  void saveChart();
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   template <class Handler>
   void run(Handler handler);
   void showState(const Controls& c);
+  void pickShownRow();
 
   std::unique_ptr<Store> store_;
   ChartView* picArpt_;

@@ -1,14 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <QComboBox>
-#include <QDir>
-#include <QPushButton>
-#include <algorithm>
-#include <map>
-
-#include "shell/qt/main_window.h"
 #include "shell/qt/qt_canvas.h"
-#include "tests/test_support.h"
 
 namespace velmora::test {
 namespace {
@@ -52,64 +44,6 @@ TEST(QtCanvas, DotsOnlyAtWidthOneAndClsKeepsThePen) {
   EXPECT_EQ(RightEdge(c.image()), -1);
   EXPECT_TRUE(p.ForeColor == kRed && p.DrawWidth == 5 && p.DrawStyle == kDotted);
   EXPECT_TRUE(p.FontSize == 14 && p.FontBold && p.CurrentX == 0 && p.CurrentY == 0);
-}
-
-TEST(MainWindow, ControlsAtTheirTwipsAndTheRoadOfAChart) {
-  MainWindow w(SampleDir(), "");
-  w.show();
-  EXPECT_EQ(w.size(), QSize(1121, 698));  // 16815 x 10470 twips
-  // Each control at its twips / 15, found by kind and text.
-  std::map<std::string, std::string> placed;
-  for (QWidget* c : w.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
-    const QRect r = c->geometry();
-    const QString text =
-        c->property(qobject_cast<QComboBox*>(c) ? "currentText" : "text").toString();
-    placed[std::string(c->metaObject()->className()) + ":" + text.toStdString()] =
-        QString("%1,%2,%3,%4").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height()).toStdString();
-  }
-  const std::map<std::string, std::string> twips = {
-      {"velmora::ChartView:", "8,8,961,681"},       {"QLineEdit:", "968,40,81,25"},
-      {"QPushButton:Search", "1048,40,65,49"},      {"QLabel:    ICAO Code", "968,8,145,25"},
-      {"QPushButton:EXIT", "1040,624,73,57"},       {"QPushButton:APP Chart", "976,96,137,65"},
-      {"QPushButton:Zoom In", "984,392,65,65"},     {"QPushButton:Zoom Out", "1048,392,65,65"},
-      {"QPushButton:Reset Zoom", "984,336,129,49"}, {"QComboBox:Approach", "976,168,137,27"},
-      {"QComboBox:Terminal", "976,264,137,27"}};
-  EXPECT_EQ(placed, twips);
-
-  // The road of a chart, with a picture of the window after each step.
-  const QString shots = VELMORA_SHOTS_DIR;
-  ASSERT_TRUE(QDir().mkpath(shots));
-  int step = 0;
-  const auto shot = [&](const char* name) {
-    EXPECT_TRUE(w.grab().save(QString("%1/window-%2-%3.png").arg(shots).arg(++step).arg(name)));
-  };
-  auto combos = w.findChildren<QComboBox*>(QString(), Qt::FindDirectChildrenOnly);
-  std::ranges::sort(combos, {}, &QWidget::y);  // cmbAPP above cmbTerm
-  w.clickSearch("xwhl");
-  shot("search");
-  EXPECT_EQ(w.windowTitle(), "XWHL-WhitlowHarborInternational-Westmark-sample_west.txt");
-  EXPECT_EQ(RightEdge(w.chart()->image()), -1);
-  w.clickLoad();
-  shot("load");
-  const QImage loaded = w.chart()->image().copy();
-  EXPECT_NE(RightEdge(loaded), -1);
-  EXPECT_EQ(combos[0]->count(), 4);
-  w.pickApproach(0);
-  shot("pick");
-  EXPECT_NE(w.chart()->image(), loaded);
-  EXPECT_EQ(combos[1]->count() == 1 ? combos[1]->itemText(0) : "", "VOR TKS");
-  w.clickZoomIn();
-  w.clickZoomIn();
-  shot("zoom");
-  QStringList buttons;  // the zoom caption on two lines
-  for (const QPushButton* b : w.findChildren<QPushButton*>()) buttons << b->text();
-  EXPECT_TRUE(buttons.contains("Reset Position\nZoom Level=12")) << buttons.join('|').toStdString();
-  w.clickChart(8000.4, 5999.6);
-  shot("click");
-  EXPECT_EQ(std::pair(w.form().view().PanX, w.form().view().PanY), std::pair(-1000, -1000));
-  w.clickResetZoom();
-  shot("reset");
-  EXPECT_EQ(std::pair(w.form().view().PanX, w.form().view().PanY), std::pair(0, 0));
 }
 
 }  // namespace

@@ -1,0 +1,397 @@
+// The window driven as a pilot drives it: key presses, clicks and the wheel on the real
+// widgets, with a screenshot of each state under build/screenshots/scale-F/.
+
+#include <gtest/gtest.h>
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QPainter>
+#include <QPrinter>
+#include <QProcess>
+#include <QPushButton>
+#include <QTest>
+#include <QWheelEvent>
+#include <fstream>
+#include <sstream>
+
+#include "shell/chart_run.h"
+#include "shell/qt/main_window.h"
+#include "shell/qt/pictures.h"
+#include "tests/test_support.h"
+
+namespace velmora::test {
+namespace {
+
+QString ScaleName() {
+  const QString f = qEnvironmentVariable("QT_SCALE_FACTOR", "1");
+  return f.isEmpty() ? "1" : f;
+}
+
+class Pilot {
+ public:
+  Pilot(const std::filesystem::path& dir, const char* name) : w(dir, ""), name_(name) {
+    w.show();
+    w.activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&w));
+    shots_ = QString("%1/scale-%2").arg(VELMORA_SHOTS_DIR, ScaleName());
+    EXPECT_TRUE(QDir().mkpath(shots_));
+  }
+  template <class T = QWidget>
+  T* at(const char* name) {
+    T* widget = w.findChild<T*>(name);
+    EXPECT_NE(widget, nullptr) << name;
+    return widget;
+  }
+  QWidget* focus() const { return QApplication::focusWidget(); }
+  // A key to whatever has the focus, as the keyboard sends it.
+  void key(Qt::Key k, Qt::KeyboardModifiers mods = Qt::NoModifier) {
+    QTest::keyClick(focus(), k, mods);
+  }
+  void type(const char* text) { QTest::keyClicks(focus(), text); }
+  // Tab until `name` has the focus (inside it, for a list); false if it never comes.
+  bool tabTo(const char* name) {
+    QWidget* target = at(name);
+    for (int i = 0; i < 14; ++i) {
+      if (focus() == target || target->isAncestorOf(focus())) return true;
+      key(Qt::Key_Tab);
+    }
+    return false;
+  }
+  void wheel(int eighths) {
+    QWidget* chart = at("picArpt");
+    const QPointF p(100, 100);
+    QWheelEvent e(p, chart->mapToGlobal(p), QPoint(), QPoint(0, eighths), Qt::NoButton,
+                  Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(chart, &e);
+  }
+  // The window as the screen shows it, with an opened list drawn over it.
+  QImage shot(const char* name, QWidget* popup = nullptr) {
+    QImage image = w.grab().toImage();
+    if (popup != nullptr) {
+      QPainter p(&image);
+      p.drawPixmap(w.mapFromGlobal(popup->mapToGlobal(QPoint(0, 0))), popup->grab());
+    }
+    EXPECT_TRUE(image.save(QString("%1/%2-%3-%4.png").arg(shots_, name_).arg(++step_).arg(name)));
+    return image;
+  }
+  int zoom() const { return w.form().view().Zoom; }
+  const Store& store() const { return w.form().store(); }
+
+  MainWindow w;
+
+ private:
+  QString name_, shots_;
+  int step_ = 0;
+};
+
+double Luma(QRgb c) {
+  return 0.299 * qRed(c) + 0.587 * qGreen(c) + 0.114 * qBlue(c);
+}
+
+// Pixels of `area` that stand clearly apart from its most common colour: the text of a row.
+int InkPixels(const QImage& image, const QRect& area) {
+  std::map<QRgb, int> counts;
+  for (int y = area.top(); y <= area.bottom(); ++y)
+    for (int x = area.left(); x <= area.right(); ++x) ++counts[image.pixel(x, y)];
+  const QRgb background =
+      std::ranges::max_element(counts, {}, &std::pair<const QRgb, int>::second)->first;
+  int ink = 0;
+  for (auto [colour, n] : counts) {
+    if (std::abs(Luma(colour) - Luma(background)) > 90) ink += n;
+  }
+  return ink;
+}
+
+// Every row of an opened list carries readable text.
+void ExpectRowsReadable(QComboBox* box) {
+  QAbstractItemView* view = box->view();
+  ASSERT_TRUE(view->isVisible()) << box->objectName().toStdString();
+  const QImage image = view->grab().toImage();
+  const double ratio = image.devicePixelRatio();
+  for (int row = 0; row < box->count(); ++row) {
+    const QRect r = view->visualRect(view->model()->index(row, 0));
+    const QRect px(r.topLeft() * ratio, r.size() * ratio);
+    EXPECT_GT(InkPixels(image, px.intersected(image.rect())), 15)
+        << box->itemText(row).toStdString();
+  }
+}
+
+TEST(WindowInput, WholeRoadByKeyboard) {
+  Pilot p(SampleDir(), "road");
+  auto* apps = p.at<QComboBox>("cmbAPP");
+  EXPECT_EQ(p.focus(), p.at("txtSearch"));
+  p.wheel(120);  // no chart yet: the zoom buttons are disabled
+  EXPECT_EQ(p.zoom(), 2);
+  p.type("xwhl");
+  p.key(Qt::Key_Return);  // the search box hands Enter to the default button
+  EXPECT_EQ(p.w.windowTitle(), "XWHL-WhitlowHarborInternational-Westmark-sample_west.txt");
+  p.shot("search");
+  // Enter on a focused button presses that button, not the default one.
+  ASSERT_TRUE(p.tabTo("cmdArpt"));
+  p.key(Qt::Key_Return);
+  EXPECT_EQ(p.store().ArptIdent, "XWHL");
+  EXPECT_EQ(apps->count(), 4);
+  EXPECT_TRUE(p.w.chart()->hasChart());
+  p.shot("load");
+  // The wheel: one step per notch of 120 eighths of a degree, finer turns add up.
+  for (auto [eighths, zoom] : {std::pair{120, 14}, {-240, 18}, {60, 18}, {60, 16}, {-119, 16}}) {
+    p.wheel(eighths);
+    EXPECT_EQ(p.zoom(), zoom) << eighths;
+  }
+
+  // Closed list: each Down and Up is a pick of the next row; Enter picks the row shown.
+  ASSERT_TRUE(p.tabTo("cmbAPP"));
+  const std::pair<Qt::Key, int> moves[] = {
+      {Qt::Key_Down, 0}, {Qt::Key_Down, 1}, {Qt::Key_Down, 2}, {Qt::Key_Up, 1}};
+  for (auto [k, row] : moves) {
+    p.key(k);
+    EXPECT_TRUE(p.store().AppSelected);
+    EXPECT_EQ(p.store().SelApp, row);
+    EXPECT_EQ(apps->currentText(), apps->itemText(row));
+  }
+  p.shot("pick");
+  p.key(Qt::Key_Return);
+  EXPECT_EQ(p.store().SelApp, 1);
+  // Typed text is no pick, neither on leaving the field nor on Enter.
+  apps->lineEdit()->selectAll();
+  p.type("GPS 27");
+  p.key(Qt::Key_Tab);
+  EXPECT_EQ(p.store().SelApp, 1);
+
+  // Space and Enter on the zoom buttons; + and - on the chart while the buttons are enabled.
+  ASSERT_TRUE(p.tabTo("cmdPlus"));
+  p.key(Qt::Key_Space);
+  EXPECT_EQ(p.zoom(), 14);
+  p.key(Qt::Key_Return);
+  EXPECT_EQ(p.zoom(), 12);
+  ASSERT_TRUE(p.tabTo("picArpt"));
+  p.key(Qt::Key_Plus);
+  EXPECT_EQ(p.zoom(), 10);
+  p.key(Qt::Key_Minus);
+  p.key(Qt::Key_Minus);
+  EXPECT_EQ(p.zoom(), 14);
+  p.shot("zoom");
+  QTest::mouseClick(p.at("picArpt"), Qt::RightButton, {}, QPoint(400, 300));  // a press moves
+  EXPECT_EQ(p.w.form().view().PanX, 7000 - 6000);
+  ASSERT_TRUE(p.tabTo("cmdZoom"));
+  p.key(Qt::Key_Space);
+  EXPECT_EQ(p.w.form().view().PanX, 0);
+  ASSERT_TRUE(p.tabTo("picArpt"));
+  p.key(Qt::Key_Return);  // the default button: a search for the empty box clears the chart
+  EXPECT_FALSE(p.w.chart()->hasChart());
+  p.key(Qt::Key_Plus);
+  EXPECT_EQ(p.zoom(), 14);
+  p.shot("search-again");
+  ASSERT_TRUE(p.tabTo("cmdExit"));
+  p.key(Qt::Key_Space);
+  EXPECT_FALSE(p.w.isVisible());
+}
+
+TEST(WindowInput, ListsOpenAsWideAsTheirRowsAndReadable) {
+  // The sample with one approach named longer than the box is wide.
+  TempDir dir;
+  std::filesystem::copy(SampleDir(), dir.path(), std::filesystem::copy_options::recursive);
+  const auto west = dir.path() / "FSXFiles" / "sample_west.txt";
+  std::stringstream text;
+  text << std::ifstream(west, std::ios::binary).rdbuf();
+  std::string bytes = text.str();
+  bytes.replace(bytes.find("type=\"VORDME\""), 13, "type=\"LOCALIZER_BACKCOURSE\"");
+  dir.write("FSXFiles/sample_west.txt", bytes);
+
+  Pilot p(dir.path(), "lists");
+  auto* apps = p.at<QComboBox>("cmbAPP");
+  auto* terms = p.at<QComboBox>("cmbTerm");
+  const QImage start = p.shot("start");
+  const double ratio = start.devicePixelRatio();
+  for (QComboBox* box : {apps, terms}) {  // disabled boxes still show their text
+    const QRect r = box->lineEdit()->geometry().translated(box->pos());
+    EXPECT_GT(InkPixels(start, QRect(r.topLeft() * ratio, r.size() * ratio)), 30);
+  }
+  p.type("XWHL");
+  p.key(Qt::Key_Return);
+  ASSERT_TRUE(p.tabTo("cmdArpt"));
+  p.key(Qt::Key_Space);
+  ASSERT_TRUE(p.tabTo("cmbAPP"));
+  p.key(Qt::Key_Down, Qt::AltModifier);
+  ASSERT_TRUE(apps->view()->isVisible());
+  ExpectRowsReadable(apps);
+  const QString longest = "LOCALIZER_BACKCOURSE 9";
+  ASSERT_EQ(apps->itemText(2), longest);
+  EXPECT_GE(apps->view()->viewport()->width(),
+            apps->view()->fontMetrics().horizontalAdvance(longest));
+  p.shot("approach-list", apps->view()->window());
+  QTest::keyClick(apps->view(), Qt::Key_End);
+  QTest::keyClick(apps->view(), Qt::Key_Home);
+  QTest::keyClick(apps->view(), Qt::Key_Return);  // a pick from the opened list
+  EXPECT_FALSE(apps->view()->isVisible());
+  EXPECT_TRUE(p.store().AppSelected);
+  EXPECT_EQ(p.store().SelApp, 0);
+  EXPECT_EQ(terms->count(), 1);
+
+  ASSERT_TRUE(p.tabTo("cmbTerm"));
+  p.key(Qt::Key_F4);
+  ExpectRowsReadable(terms);
+  p.shot("terminal-list", terms->view()->window());
+  QTest::keyClick(terms->view(), Qt::Key_Escape);
+  EXPECT_FALSE(terms->view()->isVisible());
+}
+
+TEST(WindowInput, ResizedAndMaximisedTheControlsStay) {
+  Pilot p(SampleDir(), "frame");
+  EXPECT_EQ(p.w.size(), QSize(1121, 698));  // 16815 x 10470 twips
+  const std::map<std::string, QRect> twips = {
+      {"picArpt", {8, 8, 961, 681}},     {"txtSearch", {968, 40, 81, 25}},
+      {"cmdSearch", {1048, 40, 65, 49}}, {"lblSearch", {968, 8, 145, 25}},
+      {"cmdExit", {1040, 624, 73, 57}},  {"cmdArpt", {976, 96, 137, 65}},
+      {"cmdPlus", {984, 392, 65, 65}},   {"cmdMinus", {1048, 392, 65, 65}},
+      {"cmdZoom", {984, 336, 129, 49}},  {"cmbAPP", {976, 168, 137, 27}},
+      {"cmbTerm", {976, 264, 137, 27}}};
+  const auto placed = [&] {
+    std::map<std::string, QRect> out;
+    for (const auto& [name, rect] : twips) out[name] = p.at(name.c_str())->geometry();
+    return out;
+  };
+  EXPECT_EQ(placed(), twips);
+  p.w.resize(1300, 800);
+  QTest::qWait(20);
+  EXPECT_EQ(p.w.size(), QSize(1300, 800));
+  EXPECT_EQ(placed(), twips);
+  const QImage wide = p.shot("resized");
+  const double ratio = wide.devicePixelRatio();
+  EXPECT_EQ(wide.pixel(QPoint(1250, 750) * ratio), qRgb(0, 0, 0));
+  p.w.resize(900, 500);
+  EXPECT_EQ(p.w.size(), QSize(900, 500));
+  EXPECT_EQ(placed(), twips);
+  p.w.showMaximized();
+  QTest::qWait(20);
+  EXPECT_TRUE(p.w.isMaximized());
+  EXPECT_EQ(placed(), twips);
+}
+
+// Pages of a PDF as pictures, by poppler's pdftoppm at `dpi`.
+QImage RenderPdf(const QString& pdf, int dpi) {
+  const QString out = pdf + "-page";
+  QProcess::execute("pdftoppm", {"-r", QString::number(dpi), "-png", "-singlefile", pdf, out});
+  return QImage(out + ".png").convertToFormat(QImage::Format_RGB32);
+}
+
+// Cells of a coarse grid over the picture where the painted part of the page and the picture
+// on screen clearly differ; text hinting and smoothing stay below the threshold.
+int CellsUnlikeScreen(const QImage& page, const QImage& screen) {
+  QRect painted;
+  for (int y = 0; y < page.height(); ++y)
+    for (int x = 0; x < page.width(); ++x)
+      if (page.pixel(x, y) != qRgb(255, 255, 255)) painted |= QRect(x, y, 1, 1);
+  const QSize grid(160, 113);
+  const QImage a = page.copy(painted).scaled(grid, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  const QImage b = screen.convertToFormat(QImage::Format_RGB32)
+                       .scaled(grid, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  int unlike = 0;
+  for (int y = 0; y < grid.height(); ++y)
+    for (int x = 0; x < grid.width(); ++x) {
+      const QRgb p = a.pixel(x, y), q = b.pixel(x, y);
+      const int d = std::abs(qRed(p) - qRed(q)) + std::abs(qGreen(p) - qGreen(q)) +
+                    std::abs(qBlue(p) - qBlue(q));
+      unlike += d > 90;
+    }
+  return unlike;
+}
+
+// Pixels that differ; all of them when the sizes differ.
+int PixelsUnlike(const QImage& a, const QImage& b) {
+  if (a.size() != b.size()) return a.width() * a.height();
+  int unlike = 0;
+  for (int y = 0; y < a.height(); ++y)
+    for (int x = 0; x < a.width(); ++x) unlike += a.pixel(x, y) != b.pixel(x, y);
+  return unlike;
+}
+
+std::string Bytes(const std::filesystem::path& file) {
+  std::stringstream s;
+  s << std::ifstream(file, std::ios::binary).rdbuf();
+  return s.str();
+}
+
+TEST(WindowInput, PrintAndSaveGiveWhatIsOnScreen) {
+  TempDir dir;
+  Pilot p(SampleDir(), "print");
+  int asked = 0;
+  std::optional<SaveChoice> choice;
+  QString suggested;
+  p.w.askSavePath = [&](const QString& name) {
+    ++asked, suggested = name;
+    return choice;
+  };
+  const QString printed = QString::fromStdString((dir.path() / "printed.pdf").string());
+  p.w.askPrinter = [&](QPrinter& printer) {
+    ++asked;
+    EXPECT_EQ(printer.pageLayout().orientation(), QPageLayout::Landscape);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(printed);
+    return true;
+  };
+  // No chart yet: said in the caption, no dialog.
+  p.key(Qt::Key_P, Qt::ControlModifier);
+  p.key(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(asked, 0);
+  EXPECT_TRUE(p.w.windowTitle().startsWith("No chart to save yet"))
+      << p.w.windowTitle().toStdString();
+
+  p.type("XWHL");
+  p.key(Qt::Key_Return);
+  p.at<QPushButton>("cmdArpt")->click();
+  const QImage loaded = p.w.chart()->image().copy();
+  ASSERT_TRUE(p.tabTo("cmbAPP"));
+  p.key(Qt::Key_Down);
+  const QImage screen = p.w.chart()->image().copy();
+
+  // What velmora-chart draws for the same road, for the formats it can write itself.
+  ChartOptions reference;
+  reference.dataDir = SampleDir();
+  reference.outPaths = {(dir.path() / "ref.svg").string(), (dir.path() / "ref.pdf").string()};
+  reference.steps = {"type:XWHL", "search", "load", "pick:0"};
+  std::ostringstream out, err;
+  ASSERT_EQ(RunChart(reference, WritePicture, out, err), 0) << err.str();
+
+  const double ratio = screen.devicePixelRatio();
+  const std::pair<const char*, double> saves[] = {
+      {"saved.png", ratio}, {"saved.svg", 1}, {"saved.pdf", 1}};
+  for (auto [name, scale] : saves) {
+    choice = SaveChoice{QString::fromStdString((dir.path() / name).string()), scale};
+    p.key(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_TRUE(std::filesystem::exists(dir.path() / name)) << name;
+  }
+  EXPECT_EQ(suggested, "XWHL-0-ILS_16L");
+  // At 1.5 a few edge pixels of the replay fall otherwise than those drawn live.
+  const QImage savedPng(QString::fromStdString((dir.path() / "saved.png").string()));
+  EXPECT_LT(PixelsUnlike(savedPng, screen), 50);
+  EXPECT_GT(PixelsUnlike(savedPng, loaded), 5000);
+  EXPECT_EQ(Bytes(dir.path() / "saved.svg"), Bytes(dir.path() / "ref.svg"));
+  const QImage savedPdf =
+      RenderPdf(QString::fromStdString((dir.path() / "saved.pdf").string()), 40);
+  EXPECT_FALSE(savedPdf.isNull());
+  EXPECT_EQ(savedPdf, RenderPdf(QString::fromStdString((dir.path() / "ref.pdf").string()), 40));
+  // No half-written files beside the saved ones.
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 7);
+
+  p.key(Qt::Key_P, Qt::ControlModifier);
+  const QImage page = RenderPdf(printed, 90);
+  ASSERT_FALSE(page.isNull());
+  EXPECT_GT(page.width(), page.height());  // landscape
+  EXPECT_EQ(Bytes(printed.toStdString()).find("/Subtype /Image"),
+            std::string::npos);  // vector, no raster
+  const int unlike = CellsUnlikeScreen(page, screen);
+  EXPECT_LT(unlike, 40);
+  EXPECT_GT(CellsUnlikeScreen(page, loaded), 4 * unlike + 40);
+
+  // A folder that can't be written: said in the caption, nothing left behind.
+  choice = SaveChoice{QString::fromStdString((dir.path() / "nowhere" / "x.png").string()), 1};
+  p.key(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_TRUE(p.w.windowTitle().startsWith("Could not write")) << p.w.windowTitle().toStdString();
+  p.shot("save-failed");
+}
+
+}  // namespace
+}  // namespace velmora::test
