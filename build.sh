@@ -4,6 +4,7 @@
 #                     (without a display: render the sample chart to a PNG and say where)
 #   ./build.sh test   install what is missing, build, run the benchmarks and every test
 #   ./build.sh shot   screenshots of the window under Xvfb into build/screenshots/
+#   ./build.sh package   build and make a Debian package (velmora_*.deb) in build/
 set -euo pipefail
 cd "$(dirname "$0")"
 BUILD=${BUILD:-build}
@@ -57,8 +58,15 @@ case "${1:-}" in
       kill \$pid"
     echo "Screenshot: $BUILD/screenshots/window.png"
     ;;
+  package)
+    install_missing
+    build
+    (cd "$BUILD" && cpack -G DEB >/dev/null)
+    deb=$(ls -t "$BUILD"/velmora_*.deb | head -1)
+    echo "Package: $deb"
+    ;;
   *)
-    echo "usage: $0 run|test|shot" >&2
+    echo "usage: $0 run|test|shot|package" >&2
     exit 2
     ;;
 esac

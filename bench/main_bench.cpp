@@ -146,6 +146,15 @@ void Summary(const Data& d) {
   }
   RateRow("ExtractArpt rate vs memchr count", "BM_ExtractArpt", "BM_AirportFileLineCount", 0.4,
           ">=0.40");
+  RateRow("velmora-index rate vs memchr count", "BM_BuildIndex", "BM_WorldLineCount", 0.5,
+          ">=0.50");
+  if (const auto ns = Recorded("BM_BuildIndex"); ns && Recorded("world_mb")) {
+    char m[32];
+    std::snprintf(m, sizeof m, "%.0f/s", 30000 / (*ns / 1e9));
+    Row("  airports indexed, of 30,000 in " +
+            std::to_string(static_cast<int>(*Recorded("world_mb"))) + " MB",
+        m, "", std::nullopt, "info", "");
+  }
   BudgetRow("LoadVor, 8001 lines", Recorded("BM_LoadVor"), 5e6, "5 ms");
   InfoRow("  LoadVor vs memchr count of vor.nav", Recorded("BM_LoadVor"),
           Recorded("BM_VorLineCount"), "count");

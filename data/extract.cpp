@@ -1,16 +1,16 @@
 #include "data/extract.h"
 
 #include <algorithm>
+#include <array>
 #include <initializer_list>
 #include <utility>
 
+#include "data/airport_scan.h"
 #include "data/decoders.h"
 #include "data/line_reader.h"
 
 namespace velmora {
 namespace {
-
-constexpr std::string_view kAirportKey = "<Airport ident";
 
 void AddPart(std::string& out, int count, std::string_view one, std::string_view many) {
   if (count == 0) return;
@@ -125,15 +125,11 @@ bool AirportReader::take(std::string_view key, std::string_view startKey, std::s
 }
 
 void AirportReader::airport(const AttrLine& l) {
-  Assign<Store>(s_, l,
-                {{"country", &Store::ArptCountry},
-                 {"state", &Store::ArptState},
-                 {"city", &Store::ArptCity},
-                 {"name", &Store::ArptName},
-                 {"lat", &Store::ArptLat},
-                 {"lon", &Store::ArptLon},
-                 {"alt", &Store::ArptAlt},
-                 {"magvar", &Store::ArptMagvar}});
+  // In the order of kArptKeys, which the index builder reads too.
+  const std::array<std::string*, kArptKeys.size()> fields = {
+      &s_.ArptCountry, &s_.ArptState, &s_.ArptCity, &s_.ArptName,
+      &s_.ArptLat,     &s_.ArptLon,   &s_.ArptAlt,  &s_.ArptMagvar};
+  if (const int i = ArptKeyIndex(l.key); i >= 0) *fields[static_cast<std::size_t>(i)] = l.first();
 }
 
 void AirportReader::runway(const AttrLine& l) {
@@ -289,25 +285,16 @@ ExtractReport ExtractArpt(Store& store, const std::filesystem::path& file,
   if (!report.opened) return report;
 
   AirportReader airport(store, report.dropped);
+  AirportLine work;
   bool flag = false;
-  std::string work, scratch;
   std::string_view raw;
-  // Lines of other airports can only matter if they raise the flag, so they are skipped
-  // wholesale up to the next line that could.
-  while (flag ? reader.next(raw) : reader.nextContaining(kAirportKey, raw)) {
-    std::string_view asRead = raw;
-    const std::string_view startKey = AttrKey(asRead);
-    if (startKey == kAirportKey) flag = AttrValue(asRead) == searchIdent;
+  while (NextAirportLine(reader, flag, raw)) {
+    const LineHead head = ReadLineHead(raw);
+    if (head.opensAirport) flag = head.ident == searchIdent;
     if (!flag) continue;
     store.ArptIdent = searchIdent;
-
-    work.assign(raw);
-    std::replace(work.begin(), work.end(), '\t', ' ');
-    scratch = work;
-    ScanElement(scratch, store.CurElement);
-    std::string_view line = work;
-    const std::string_view key = AttrKey(line);
-    if (!airport.take(key, startKey, line)) break;
+    const std::string_view key = work.take(raw, store.CurElement);
+    if (!airport.take(key, head.key, work.line())) break;
   }
   report.readError = reader.failed();
   report.found = store.hasAirport();

@@ -9,6 +9,7 @@
 #include <iostream>
 
 #include "shell/chart_run.h"
+#include "shell/data_dir.h"
 #include "shell/qt/pictures.h"
 
 int main(int argc, char** argv) {
@@ -25,8 +26,10 @@ int main(int argc, char** argv) {
   }
   QGuiApplication app(argc, argv);
   std::vector<std::string> args(argv + 1, argv + argc);
-  const std::filesystem::path exeDir = QCoreApplication::applicationDirPath().toStdString();
-  auto options = velmora::ParseChartArgs(args, exeDir, std::cerr);
+  const std::filesystem::path dataDir = velmora::ChooseDataDir(
+      QCoreApplication::applicationDirPath().toStdString(),
+      velmora::UserDataDir(std::getenv("XDG_DATA_HOME"), std::getenv("HOME")));
+  auto options = velmora::ParseChartArgs(args, dataDir, std::cerr);
   if (!options) return 2;
   options->progress = isatty(STDERR_FILENO) == 1;
   return velmora::RunChart(*options, velmora::WritePicture, velmora::MakeKitPdf, std::cout,

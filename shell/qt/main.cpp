@@ -1,9 +1,11 @@
 // velmora: the charting window. The command line, as one text, goes into the search box.
 
 #include <QApplication>
+#include <QStandardPaths>
 #include <locale>
 #include <stdexcept>
 
+#include "shell/data_dir.h"
 #include "shell/qt/main_window.h"
 
 int main(int argc, char** argv) {
@@ -18,7 +20,13 @@ int main(int argc, char** argv) {
     if (i > 1) commandLine += ' ';
     commandLine += argv[i];
   }
-  velmora::MainWindow window(QCoreApplication::applicationDirPath().toStdString(), commandLine);
+  const std::filesystem::path dataDir = velmora::ChooseDataDir(
+      QCoreApplication::applicationDirPath().toStdString(),
+      QStandardPaths::writableLocation(QStandardPaths::AppDataLocation).toStdString());
+  velmora::MainWindow window(dataDir, commandLine);
+  if (const std::string hint = velmora::NoDataCaption(dataDir); !hint.empty()) {
+    window.setWindowTitle(QString::fromStdString(hint));
+  }
   window.show();
   return app.exec();
 }

@@ -1,0 +1,35 @@
+#include "shell/data_dir.h"
+
+#include "shell/form.h"
+
+namespace velmora {
+
+bool HasData(const std::filesystem::path& dir) {
+  std::error_code ec;
+  return std::filesystem::exists(dir / kIndexFileName, ec) ||
+         std::filesystem::exists(dir / kAirportFolder, ec);
+}
+
+std::filesystem::path ChooseDataDir(const std::filesystem::path& exeDir,
+                                    const std::filesystem::path& userDir) {
+  if (HasData(exeDir) || userDir.empty()) return exeDir;
+  return userDir;
+}
+
+std::filesystem::path UserDataDir(const char* xdgDataHome, const char* home) {
+  if (xdgDataHome != nullptr && std::filesystem::path(xdgDataHome).is_absolute()) {
+    return std::filesystem::path(xdgDataHome) / "velmora";
+  }
+  if (home != nullptr && *home != '\0') {
+    return std::filesystem::path(home) / ".local" / "share" / "velmora";
+  }
+  return {};
+}
+
+std::string NoDataCaption(const std::filesystem::path& dataDir) {
+  if (HasData(dataDir)) return {};
+  return "Velmora - no data: put your FSXFiles folder and vor.nav into " + dataDir.string() +
+         ", then run velmora-index";
+}
+
+}  // namespace velmora

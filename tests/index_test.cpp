@@ -1,0 +1,284 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <sstream>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "data/arpt_index.h"
+#include "data/extract.h"
+#include "data/line_reader.h"
+#include "shell/data_dir.h"
+#include "shell/index_run.h"
+#include "test_support.h"
+
+namespace velmora::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+// One airport of a generated world, and whether the search and the reader can load it.
+struct WorldAirport {
+  std::string ident, file, city;
+  bool loadable = true;
+};
+
+std::string AirportText(const std::string& ident, const std::string& name, const std::string& city,
+                        bool tabLed, bool closed) {
+  return CrLf({(tabLed ? "\t" : "") + std::string("<Airport ident=\"") + ident + "\"",
+               "    country=\"Veldmark\"", "\tcity=\"" + city + "\"", "    name=\"" + name + "\"",
+               "    lat=\"N10 00.00\"", "    lon=\"E10 00.00\"", "    alt=\"10M\">", "  <Tower",
+               "    name=\"not the airport's\"/>"}) +
+         (closed ? CrLf({"</Airport>"}) : "");
+}
+
+std::string Ident(int n) {
+  std::string id = "X";
+  for (int i = 0; i < 3; ++i, n /= 26) id += static_cast<char>('A' + n % 26);
+  return id;
+}
+
+// Many files, many airports a file, with every kind of airport the search can't reach. Some
+// airports lack their </Airport>, though not in front of a tab-led one, which the reader would
+// take for part of the airport before it.
+std::vector<WorldAirport> MakeWorld(const TempDir& dir) {
+  std::vector<WorldAirport> world;
+  std::map<std::string, std::string> files;
+  for (int n = 0; n < 2100; ++n) {
+    WorldAirport a{Ident(n), "part" + std::to_string(10 + n / 60) + ".txt",
+                   "City " + std::to_string(n)};
+    bool tabLed = false;
+    if (n % 97 == 5) {
+      a.ident = "x" + a.ident.substr(1), a.loadable = false;  // the search upper-cases
+    } else if (n % 89 == 7) {
+      a.ident.insert(2, " "), a.loadable = false;  // the search removes blanks
+    } else if (n % 101 == 90) {
+      // The search takes the first that it can reach.
+      const WorldAirport& first = world[static_cast<std::size_t>(n - 70)];
+      a.ident = Ident(n - 70), a.loadable = !first.loadable || first.ident != a.ident;
+    } else if (n % 83 == 3) {
+      tabLed = true, a.loadable = false;  // the reader passes over a tab-led opening line
+    } else if (n % 211 == 11) {
+      a.file = "with blank.txt", a.loadable = false;
+    }
+    const std::string name = n % 7 == 0 ? "" : "Field; " + std::to_string(n);
+    files[a.file] += AirportText(a.ident, name, a.city, tabLed, n % 13 != 0 || n % 83 == 2);
+    world.push_back(a);
+  }
+  for (const auto& [file, text] : files) dir.write("FSXFiles/" + file, text);
+  dir.write("FSXFiles/empty.txt", "");
+  dir.write("FSXFiles/below/deep.txt", AirportText("XDEP", "Deep", "Deep", false, true));
+  dir.write("FSXFiles/binary.bin", std::string("\0\x01\xff\r\0<Airport", 15));
+  return world;
+}
+
+int RunTool(const IndexOptions& options, std::string& err, std::string* out = nullptr) {
+  std::ostringstream o, e;
+  const int status = RunIndex(options, o, e, false);
+  err = e.str();
+  if (out != nullptr) *out = o.str();
+  return status;
+}
+
+std::string Read(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+TEST(IndexBuild, ListsExactlyTheAirportsTheWindowCanLoad) {
+  TempDir dir;
+  const std::vector<WorldAirport> world = MakeWorld(dir);
+  std::string err;
+  ASSERT_EQ(RunTool({dir.path(), "", false}, err), 0) << err;
+  const std::string index = Read(dir.path() / "Arpt index.txt");
+
+  int loadable = 0;
+  for (const WorldAirport& a : world) {
+    // A fresh window each time, as each velmora-chart run is.
+    Harness h(dir.path());
+    h.form().setSearchText(a.ident);
+    h.form().cmdSearch_Click();
+    if (h.form().controls().cmdArpt.enabled) h.form().cmdArpt_Click();
+    h.takeTrace();
+    const bool loaded = h.store().hasAirport() && h.store().ArptCity == a.city;
+    EXPECT_EQ(loaded, a.loadable) << a.ident << " in " << a.file;
+    const bool listed =
+        index.find("\r\n" + a.ident + ";") != std::string::npos || index.starts_with(a.ident + ";");
+    EXPECT_EQ(listed && loaded, a.loadable) << a.ident;
+    loadable += a.loadable;
+  }
+  EXPECT_GT(loadable, 1800);
+  EXPECT_EQ(std::count(index.begin(), index.end(), '\n'), loadable);
+  EXPECT_EQ(std::count(index.begin(), index.end(), '\r'), loadable);
+
+  EXPECT_NE(err.find("with blank.txt: the file name holds a blank"), std::string::npos) << err;
+  EXPECT_NE(err.find("part11.txt: \"XUAA\" stands also in part10.txt"), std::string::npos) << err;
+  EXPECT_NE(err.find("below: a folder"), std::string::npos);
+  EXPECT_NE(err.find("empty.txt: no airport"), std::string::npos);
+  EXPECT_NE(err.find("binary.bin: no airport"), std::string::npos);
+  EXPECT_NE(err.find("part10.txt: a line with <Airport ident that the reader passes over"),
+            std::string::npos);
+  EXPECT_NE(err.find(Grouped(static_cast<std::uintmax_t>(loadable)) +
+                     " airports in 35 files, 4 files skipped\n"),
+            std::string::npos)
+      << err;
+}
+
+TEST(IndexBuild, FieldsBytesAndOrder) {
+  TempDir dir;
+  dir.write("FSXFiles/b.txt", AirportText("XBBB", "", "Bb\xe9 City", false, true) +
+                                  AirportText("XAAA", "Am\xe9ssa; Field", "", false, true));
+  dir.write("FSXFiles/a.txt", CrLf({"<Airport ident=\"XCCC\"", "state=\"Ost\"", "</Airport>"}));
+  // A tab-led opening line is no airport to the reader: behind a </Airport> its lines are
+  // passed over; without the </Airport> they belong to the airport before it.
+  dir.write(
+      "FSXFiles/c.txt",
+      CrLf({"<Airport ident=\"XDDD\"", "name=\"Dd\"", "<Tower", "name=\"tower\"", "</Airport>",
+            "\t<Airport ident=\"XEEE\"", "name=\"Ee\"", "</Airport>", "<Airport ident=\"XFFF\"",
+            "name=\"Ff\"", "<Tower", "\t<Airport ident=\"XGGG\"", "name=\"Gg\"", "</Airport>"}));
+  std::string err, out;
+  ASSERT_EQ(RunTool({dir.path(), "-", false}, err, &out), 0) << err;
+  const auto store = std::make_unique<Store>();
+  for (const auto& [ident, name] : {std::pair{"XDDD", "Dd"}, std::pair{"XFFF", "Gg"}}) {
+    ExtractArpt(*store, dir.path() / "FSXFiles/c.txt", ident);
+    EXPECT_EQ(store->ArptName, name);
+  }
+  // Files in name order, airports in file order; city for an empty name, state for no
+  // country; ";" can't split a field; Windows-1252 bytes as they were.
+  EXPECT_EQ(out,
+            "XCCC;;Ost;a.txt\r\nXBBB;Bb\xe9 City;Veldmark;b.txt\r\n"
+            "XAAA;Am\xe9ssa, Field;Veldmark;b.txt\r\nXDDD;Dd;;c.txt\r\nXFFF;Gg;;c.txt\r\n");
+  EXPECT_FALSE(fs::exists(dir.path() / "Arpt index.txt"));
+  const std::string tabLed =
+      "c.txt: a line with <Airport ident that the reader passes over (it does not begin with it, "
+      "or begins with a tab)\n";
+  EXPECT_EQ(err, tabLed + tabLed + "5 airports in 3 files, 0 files skipped\n");
+}
+
+TEST(IndexBuild, BadFoldersWriteNothing) {
+  struct Case {
+    std::string name;
+    std::function<void(const TempDir&)> lay;
+  };
+  const std::vector<Case> cases = {
+      {"no FSXFiles", [](const TempDir&) {}},
+      {"FSXFiles is a file", [](const TempDir& d) { d.write("FSXFiles", "x"); }},
+      {"FSXFiles is a broken link",
+       [](const TempDir& d) {
+         fs::create_directory_symlink(d.path() / "gone", d.path() / "FSXFiles");
+       }},
+      {"only files without airports",
+       [](const TempDir& d) {
+         d.write("FSXFiles/a.txt", "");
+         d.write("FSXFiles/b.txt", std::string(3'000'000, 'x'));
+         d.write("FSXFiles/c.txt", CrLf({"<Airport ident=\"xlow\"", "</Airport>"}));
+       }},
+  };
+  for (const Case& c : cases) {
+    TempDir dir;
+    c.lay(dir);
+    dir.write("Arpt index.txt", "OLD;;;a.txt\r\n");
+    std::string err;
+    EXPECT_EQ(RunTool({dir.path(), "", false}, err), 1) << c.name;
+    EXPECT_EQ(Read(dir.path() / "Arpt index.txt"), "OLD;;;a.txt\r\n") << c.name;
+    EXPECT_FALSE(err.empty()) << c.name;
+    for (const auto& e : fs::directory_iterator(dir.path())) {
+      EXPECT_EQ(e.path().filename().string().find(".part"), std::string::npos) << c.name;
+    }
+  }
+}
+
+TEST(IndexBuild, CheckComparesWithoutWriting) {
+  TempDir dir;
+  dir.write("FSXFiles/a.txt", AirportText("XAAA", "Aa", "", false, true) +
+                                  AirportText("XBBB", "Bb", "", false, true));
+  std::string err;
+  ASSERT_EQ(RunTool({dir.path(), "", false}, err), 0);
+  EXPECT_EQ(RunTool({dir.path(), "", true}, err), 0) << err;
+
+  const std::string good = Read(dir.path() / "Arpt index.txt");
+  std::string lf = good;
+  std::erase(lf, '\r');
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"XAAA;Aa;Veldmark;a.txt\r\n", "line 2: has nothing, would be \"XBBB;Bb;Veldmark;a.txt\""},
+      {"XAAA;Aa;Veldmark;a.txt\r\nXBBC;Bb;Veldmark;a.txt\r\n",
+       "line 2: has \"XBBC;Bb;Veldmark;a.txt\", would be \"XBBB;Bb;Veldmark;a.txt\""},
+      {lf, "the line ends differ"},
+  };
+  for (const auto& [existing, said] : cases) {
+    dir.write("Arpt index.txt", existing);
+    EXPECT_EQ(RunTool({dir.path(), "", true}, err), 1);
+    EXPECT_NE(err.find(said), std::string::npos) << err;
+    EXPECT_EQ(Read(dir.path() / "Arpt index.txt"), existing);
+  }
+  fs::remove(dir.path() / "Arpt index.txt");
+  EXPECT_EQ(RunTool({dir.path(), "", true}, err), 1);
+}
+
+TEST(LineReaderSkip, FindsEveryKeyAcrossBufferEdges) {
+  // Keys at every offset of small buffers, a near miss in front of each, line ends of all kinds.
+  TempDir dir;
+  std::string text;
+  std::vector<std::string> want;
+  for (int i = 0; i < 60; ++i) {
+    text += std::string(static_cast<std::size_t>(i % 23), ' ') + "<Airport iden" + "\r\n";
+    const std::string line = std::string(static_cast<std::size_t>(i * 7 % 71), i % 2 ? ' ' : 'x') +
+                             "<Airport ident=\"" + std::to_string(i) + "\"";
+    want.push_back(line);
+    text += line + (i % 3 == 0 ? "\r\n" : i % 3 == 1 ? "\n" : "\r");
+  }
+  const fs::path file = dir.write("keys.txt", text);
+  for (const std::size_t chunk : {16u, 17u, 31u, 64u, 1u << 20}) {
+    LineReader reader(chunk);
+    ASSERT_TRUE(reader.open(file));
+    std::vector<std::string> got;
+    for (std::string_view line; reader.nextContaining("<Airport ident", line);) {
+      got.emplace_back(line);
+    }
+    EXPECT_EQ(got, want) << "chunk " << chunk;
+  }
+}
+
+TEST(IndexArgs, OptionsAndMistakes) {
+  std::ostringstream err;
+  const auto o = ParseIndexArgs({"--check", "--data", "/d", "--out", "-"}, "/exe", err);
+  ASSERT_TRUE(o);
+  EXPECT_EQ(o->dataDir, "/d");
+  EXPECT_EQ(o->outPath, "-");
+  EXPECT_TRUE(o->check);
+  EXPECT_EQ(ParseIndexArgs({}, "/exe", err)->dataDir, "/exe");
+  for (const std::vector<std::string>& bad :
+       std::vector<std::vector<std::string>>{{"--data"}, {"--out", ""}, {"--fast"}, {"dir"}}) {
+    EXPECT_FALSE(ParseIndexArgs(bad, "/exe", err)) << bad[0];
+  }
+}
+
+TEST(DataDir, ExecutableFolderFirstThenTheUsers) {
+  TempDir exe, user;
+  EXPECT_EQ(ChooseDataDir(exe.path(), user.path()), user.path());
+  EXPECT_EQ(ChooseDataDir(exe.path(), ""), exe.path());
+  EXPECT_NE(NoDataCaption(user.path()).find(user.path().string()), std::string::npos);
+  exe.write("FSXFiles/a.txt", "");
+  EXPECT_EQ(ChooseDataDir(exe.path(), user.path()), exe.path());
+  EXPECT_EQ(NoDataCaption(exe.path()), "");
+  TempDir exe2;
+  exe2.write("Arpt index.txt", "");
+  EXPECT_EQ(ChooseDataDir(exe2.path(), user.path()), exe2.path());
+
+  const std::vector<std::tuple<const char*, const char*, fs::path>> env = {
+      {"/x/data", "/home/p", "/x/data/velmora"},
+      {"relative", "/home/p", "/home/p/.local/share/velmora"},
+      {"", "/home/p", "/home/p/.local/share/velmora"},
+      {nullptr, "/home/p", "/home/p/.local/share/velmora"},
+      {nullptr, "", ""},
+      {nullptr, nullptr, ""},
+  };
+  for (const auto& [xdg, home, want] : env) EXPECT_EQ(UserDataDir(xdg, home), want);
+}
+
+}  // namespace
+}  // namespace velmora::test
