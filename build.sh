@@ -4,12 +4,16 @@
 #                     (without a display: render the sample chart to a PNG and say where)
 #   ./build.sh test   install what is missing, build, run the benchmarks and every test
 #   ./build.sh shot   screenshots of the window under Xvfb into build/screenshots/
+#   ./build.sh sanitize       build into build-asan under the address and undefined-behaviour
+#                             sanitizers and run every test there
+#   ./build.sh fuzz [SECONDS] build the fuzz targets with clang into build-fuzz and run each
+#                             for SECONDS (default 60)
 set -euo pipefail
 cd "$(dirname "$0")"
 BUILD=${BUILD:-build}
 
 packages=(cmake ninja-build g++ qt6-base-dev libgl-dev libgtest-dev libbenchmark-dev
-  fonts-dejavu-core xvfb xauth x11-apps imagemagick)
+  fonts-dejavu-core xvfb xauth x11-apps imagemagick clang libclang-rt-14-dev)
 
 install_missing() {
   local missing=()
@@ -57,8 +61,24 @@ case "${1:-}" in
       kill \$pid"
     echo "Screenshot: $BUILD/screenshots/window.png"
     ;;
+  sanitize)
+    install_missing
+    cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVELMORA_SANITIZE=ON \
+      >/dev/null
+    cmake --build build-asan
+    # Qt keeps some allocations to the end of the process on purpose; see tests/lsan.supp.
+    (cd build-asan && LSAN_OPTIONS="suppressions=$PWD/../tests/lsan.supp:print_suppressions=0" \
+      ctest --output-on-failure)
+    ;;
+  fuzz)
+    install_missing
+    CC=clang CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+      -DVELMORA_FUZZ=ON >/dev/null
+    cmake --build build-fuzz
+    tests/fuzz/run.sh build-fuzz "${2:-60}"
+    ;;
   *)
-    echo "usage: $0 run|test|shot" >&2
+    echo "usage: $0 run|test|shot|sanitize|fuzz [SECONDS]" >&2
     exit 2
     ;;
 esac
