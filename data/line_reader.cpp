@@ -147,6 +147,12 @@ bool LineReader::nextContaining(std::string_view needle, std::string_view& line)
     const void* hit =
         end_ > from ? memmem(base + from, end_ - from, needle.data(), needle.size()) : nullptr;
     bool viaNext = hit != nullptr;
+    // The line at pos_ is dropped unread when it ends before the match; still, it counts
+    // among the long lines if it is one.
+    const char* firstEnd = FindLineEnd(base + from, base + end_);
+    const bool dropsFirst =
+        firstEnd < base + end_ && (hit == nullptr || static_cast<const char*>(hit) > firstEnd);
+    if (dropsFirst && static_cast<std::size_t>(firstEnd - (base + pos_)) > maxLine_) ++longLines_;
     if (hit != nullptr) {
       const char* start = static_cast<const char*>(hit);
       while (start > base + pos_ && start[-1] != '\n' && start[-1] != '\r') --start;

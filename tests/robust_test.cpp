@@ -1,0 +1,294 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <climits>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "data/files.h"
+#include "data/line_reader.h"
+#include "geometry/polar.h"
+#include "test_support.h"
+
+namespace velmora::test {
+namespace {
+
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
+
+struct Read {
+  Lines lines;
+  int longLines = 0;
+  bool operator==(const Read&) const = default;
+  friend void PrintTo(const Read& r, std::ostream* out) {
+    *out << r.longLines << " long;";
+    for (const auto& line : r.lines) *out << " [" << line << "]";
+  }
+};
+
+Read ReadAll(LineReader& reader, std::string_view needle = {}) {
+  Read r;
+  std::string_view line;
+  while (needle.empty() ? reader.next(line) : reader.nextContaining(needle, line))
+    r.lines.emplace_back(line);
+  r.longLines = reader.longLines();
+  return r;
+}
+
+Read FromMemory(std::string_view bytes, std::size_t chunk, std::size_t maxLine,
+                std::string_view needle = {}) {
+  LineReader reader(chunk, maxLine);
+  reader.openMemory(bytes);
+  return ReadAll(reader, needle);
+}
+
+TEST(LineReaderTest, SameLinesFromMemoryAndFileAtEveryBufferSize) {
+  // Lines of every length from 0 to 12 with every kind of end, so that some end, and some CR
+  // of a CR LF, falls on the last byte of the buffer at each buffer size.
+  const char* ends[] = {"\r\n", "\r", "\n"};
+  std::string text;
+  Lines expected;
+  for (int n = 0; n <= 12; ++n) {
+    expected.push_back(std::string(static_cast<std::size_t>(n), static_cast<char>('a' + n)));
+    text += expected.back() + ends[n % 3];
+  }
+  text += "last";
+  expected.emplace_back("last");
+  TempDir dir;
+  const fs::path file = dir.write("lines.txt", text);
+  for (std::size_t chunk = 16; chunk <= 40; ++chunk) {
+    SCOPED_TRACE(chunk);
+    EXPECT_EQ(FromMemory(text, chunk, kMaxLineBytes), (Read{expected, 0}));
+    LineReader reader(chunk);
+    ASSERT_EQ(reader.open(file), OpenStatus::kOpened);
+    EXPECT_EQ(ReadAll(reader), (Read{expected, 0}));
+  }
+}
+
+TEST(LineReaderTest, LinesOverTheLimitArePassedOverWhole) {
+  const std::string x20(20, 'x'), x31(31, 'x');
+  struct Case {
+    std::string text, needle;
+    Read read;
+  } cases[] = {
+      {"short\r\n" + x20 + "\r\nafter", "", {{"short", "after"}, 1}},
+      {x20, "", {{}, 1}},
+      {"12345678\n123456789\nnext", "", {{"12345678", "next"}, 1}},
+      // The CR of the long line's CR LF is the buffer's last byte: no empty line behind it.
+      {x31 + "\r\nz", "", {{"z"}, 1}},
+      {x20 + "\n" + x20 + "\r\n\r\n", "", {{""}, 2}},
+      {"aaaa\nbKEYb\nKEY", "KEY", {{"bKEYb", "KEY"}, 0}},
+      {x20 + "KEY\nKEY2\nno", "KEY", {{"KEY2"}, 1}},
+      // The needle straddles the end of the first buffer.
+      {"012345\n012345\n0KEY\n", "KEY", {{"0KEY"}, 0}},
+      // Lines passed over on the way to a match count too.
+      {"0123456789\n1234KEY\n", "KEY", {{"1234KEY"}, 1}},
+      {x20 + "\n" + x20 + "\nKEYa", "KEY", {{"KEYa"}, 2}},
+      {"aaa\nbbb", "KEY", {{}, 0}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(FromMemory(c.text, 16, 8, c.needle), c.read);
+  }
+}
+
+TEST(FilesTest, OnlyRegularFilesOpenAndNeverBlock) {
+  TempDir dir;
+  const fs::path p = dir.path();
+  dir.write("f.txt", "x");
+  ASSERT_EQ(mkfifo((p / "fifo").c_str(), 0600), 0);
+  fs::create_directory(p / "dir");
+  fs::create_symlink(p / "f.txt", p / "toFile");
+  fs::create_symlink(p / "fifo", p / "toFifo");
+  fs::create_symlink(p / "none", p / "dangling");
+  const std::pair<fs::path, OpenStatus> cases[] = {
+      {p / "f.txt", OpenStatus::kOpened},        {p / "toFile", OpenStatus::kOpened},
+      {p / "fifo", OpenStatus::kNotRegular},     {p / "toFifo", OpenStatus::kNotRegular},
+      {p / "dir", OpenStatus::kNotRegular},      {"/dev/zero", OpenStatus::kNotRegular},
+      {p / "dangling", OpenStatus::kUnreadable}, {p / "none", OpenStatus::kUnreadable},
+  };
+  for (const auto& [path, status] : cases) {
+    SCOPED_TRACE(path);
+    LineReader reader;
+    EXPECT_EQ(reader.open(path), status);
+    std::string_view line;
+    EXPECT_EQ(reader.next(line), status == OpenStatus::kOpened);
+  }
+}
+
+TEST(FilesTest, AirportFileNamesStayBelowTheFolder) {
+  const std::pair<std::string_view, std::string> cases[] = {
+      {"a.txt", "F/a.txt"},
+      {"sub/../a.txt", "F/a.txt"},
+      {"./s/a.txt", "F/s/a.txt"},
+      {"../a.txt", ""},
+      {"sub/../../a.txt", ""},
+      {"/dev/zero", ""},
+      {"", ""},
+      {"..", ""},
+  };
+  for (const auto& [name, expected] : cases) {
+    const auto path = PathBelow("F", name);
+    EXPECT_EQ(path ? path->string() : "", expected) << name;
+  }
+}
+
+using Edits = std::vector<std::pair<std::string, std::string>>;
+
+// The sample data in a temp folder, with extra index lines, and in sample_west.txt the first
+// of each edit's texts replaced by the second.
+struct World {
+  TempDir dir;
+  explicit World(std::string_view extraIndex = {}, const Edits& edits = {}) {
+    fs::copy(SampleDir(), dir.path(), fs::copy_options::recursive);
+    std::ofstream(dir.path() / "Arpt index.txt", std::ios::app) << extraIndex;
+    const fs::path west = dir.path() / "FSXFiles/sample_west.txt";
+    std::string text = ReadFile(west);
+    for (const auto& [from, to] : edits) text.replace(text.find(from), from.size(), to);
+    std::ofstream(west, std::ios::binary | std::ios::trunc) << text;
+  }
+  static std::string ReadFile(const fs::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+};
+
+long DrawnCount(const Lines& trace) {
+  return static_cast<long>(Filter(trace, "line").size() + Filter(trace, "circle").size());
+}
+
+TEST(FilesTest, FilesThatAreNotFilesGiveACaptionAndNoChart) {
+  World w("XFIF;a;b;fifo.txt\r\nXZER;a;b;/dev/zero\r\nXUP;a;b;../vor.nav\r\nXDIR;a;b;.\r\n");
+  ASSERT_EQ(mkfifo((w.dir.path() / "FSXFiles/fifo.txt").c_str(), 0600), 0);
+  Harness h(w.dir.path());
+  const std::pair<std::string, std::string> cases[] = {
+      {"XFIF", "FSXFiles/fifo.txt"},
+      {"XZER", "FSXFiles//dev/zero"},
+      {"XUP", "FSXFiles/../vor.nav"},
+      {"XDIR", "FSXFiles/."},
+  };
+  for (const auto& [code, shown] : cases) {
+    h.load("XWHL");
+    h.takeTrace();
+    h.load(code);
+    EXPECT_EQ(h.form().controls().caption,
+              shown + " is not an airport file Velmora can read - no chart for " + code);
+    EXPECT_FALSE(h.store().hasAirport()) << code;
+    EXPECT_EQ(DrawnCount(h.takeTrace()), 0) << code;
+    EXPECT_FALSE(h.form().controls().cmbAPP.enabled) << code;
+  }
+  // A good load afterwards works as if the bad ones never came.
+  Harness fresh(w.dir.path());
+  fresh.load("XWHL");
+  const Lines good = fresh.takeTrace();
+  h.load("XWHL");
+  EXPECT_EQ(h.takeTrace(), good);
+}
+
+TEST(FilesTest, IndexAndVorListThatAreNotFiles) {
+  World w;
+  fs::remove(w.dir.path() / "Arpt index.txt");
+  ASSERT_EQ(mkfifo((w.dir.path() / "Arpt index.txt").c_str(), 0600), 0);
+  fs::remove(w.dir.path() / "vor.nav");
+  fs::create_directory(w.dir.path() / "vor.nav");
+  Harness h(w.dir.path());
+  EXPECT_EQ(h.form().controls().caption,
+            "vor.nav is not a VOR list Velmora can read: the chart shows no VORs");
+  h.form().setSearchText("XWHL");
+  h.form().cmdSearch_Click();
+  EXPECT_EQ(h.form().controls().caption,
+            "Arpt index.txt is not an index Velmora can read - no search for XWHL");
+  EXPECT_FALSE(h.form().controls().cmdArpt.enabled);
+}
+
+TEST(FilesTest, TheAirportFolderMayBeALinkToAFolderElsewhere) {
+  World data, elsewhere;
+  fs::remove_all(data.dir.path() / "FSXFiles");
+  fs::create_directory_symlink(elsewhere.dir.path() / "FSXFiles", data.dir.path() / "FSXFiles");
+  Harness h(data.dir.path());
+  h.load("XWHL");
+  EXPECT_TRUE(h.store().hasAirport());
+  EXPECT_EQ(h.form().controls().caption,
+            "XWHL-WhitlowHarborInternational-Westmark-sample_west.txt");
+}
+
+TEST(LongLineTest, AnAirportFileLineOverTheLimitIsPassedOverAndSaidInTheCaption) {
+  World w;
+  const fs::path west = w.dir.path() / "FSXFiles/sample_west.txt";
+  const std::string text = World::ReadFile(west);
+  std::ofstream(west, std::ios::binary | std::ios::trunc)
+      << std::string(kMaxLineBytes + 1, 'x') << "\r\n"
+      << text;
+  Harness h(w.dir.path());
+  h.load("XWHL");
+  EXPECT_TRUE(h.store().hasAirport());
+  EXPECT_EQ(h.form().controls().caption,
+            "XWHL-WhitlowHarborInternational-Westmark-sample_west.txt - 1 line longer than 16 "
+            "MB passed over");
+}
+
+TEST(ScreenTest, SumsSaturateAtThe32BitEnds) {
+  EXPECT_EQ(ScreenAdd(INT_MAX, 1), INT_MAX);
+  EXPECT_EQ(ScreenAdd(INT_MIN, -1), INT_MIN);
+  EXPECT_EQ(ScreenAdd(INT_MAX, INT_MIN), -1);
+  EXPECT_EQ(ScreenAdd(7000, -7200), -200);
+  std::int32_t x = 0, y = 0;
+  PolarOffset(INT_MAX, INT_MIN, 45, 1.0, x, y);
+  EXPECT_EQ(x, INT_MAX);
+  EXPECT_EQ(y, INT_MIN);
+}
+
+// The smallest X in the trace's lines, circles and prints: a sum that wrapped shows as a
+// value near -2^31 where every real position of these charts lies east of the airport.
+long long SmallestX(const Lines& trace) {
+  long long smallest = LLONG_MAX;
+  for (const std::string& line : trace) {
+    for (std::string_view kind : {"line ", "circle ", "print "}) {
+      if (line.starts_with(kind))
+        smallest = std::min(smallest, std::stoll(line.substr(kind.size())));
+    }
+  }
+  return smallest;
+}
+
+TEST(ScreenTest, FarClicksAndFarFixesNeverWrap) {
+  // TOBRI (W118 47.96) is the first fix of ILS 16L; W118 42.15 is the airport's longitude.
+  const std::pair<std::string, std::string> farFix{"W118 47.96", "E99999 00.00"};
+  struct Case {
+    const char* name;
+    Edits edits;
+    int plus, clicks;
+  } cases[] = {
+      {"clicks far left", {}, 0, 3},
+      {"a far fix after a pan", {farFix}, 7, 2},
+      {"an ILS arrow from a far fix", {farFix, {"W118 42.15", "W99999 00.00"}}, 7, 0},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    World w("", c.edits);
+    Harness h(w.dir.path());
+    h.load("XWHL");
+    h.form().cmbAPP_Click(0);
+    for (int i = 0; i < c.plus; ++i) h.form().cmdPlus_Click();
+    for (int i = 0; i < c.clicks; ++i) h.form().picArpt_MouseDown(1, 0, -1e9, 0);
+    const Lines trace = h.takeTrace();
+    EXPECT_GT(SmallestX(trace), -2000000000LL);
+    EXPECT_GT(DrawnCount(trace), 0);
+    EXPECT_LE(h.form().view().PanX, kPanLimit);
+  }
+}
+
+TEST(ScreenTest, PanIsHeldWithinReach) {
+  Harness h(SampleDir());
+  h.load("XWHL");
+  const std::pair<double, std::int32_t> clicks[] = {
+      {-1e9, kPanLimit}, {-1e9, kPanLimit}, {1e12, -kPanLimit}, {7000 - kPanLimit, 0}};
+  for (const auto& [x, pan] : clicks) {
+    h.form().picArpt_MouseDown(1, 0, x, 5000);
+    EXPECT_EQ(h.form().view().PanX, pan) << x;
+  }
+}
+
+}  // namespace
+}  // namespace velmora::test
