@@ -72,7 +72,7 @@ bool LineReader::fill() {
   const std::size_t want = file_ != nullptr ? chunk_ : std::min(chunk_, memory_.size());
   if (buf_.size() < end_ + want) {
     // Grows for a long line, but never far past the limit.
-    buf_.reserve(std::max(end_ + want, std::min(2 * buf_.capacity(), maxLine_ + 2 * chunk_)));
+    buf_.reserve(std::max(end_ + want, std::min(2 * buf_.capacity(), maxLine_ + chunk_)));
     buf_.resize(end_ + want);
   }
   std::size_t got = 0;
