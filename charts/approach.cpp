@@ -185,7 +185,8 @@ class Track {
     const auto course = Course(leg.magneticCourse);
     if (!course) return;
     DrawCourseMark(c_, midX, midY, *course);
-    PrintAt(c_, ScreenAdd(midX, 50), ScreenAdd(midY, -400), 10, true, CourseText(leg.magneticCourse) + kDegreeSign);
+    PrintAt(c_, ScreenAdd(midX, 50), ScreenAdd(midY, -400), 10, true,
+            CourseText(leg.magneticCourse) + kDegreeSign);
     c_.pen.FontBold = false;
   }
 
