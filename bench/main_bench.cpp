@@ -92,6 +92,16 @@ void BudgetRow(const std::string& what, std::optional<double> ns, double budgetN
   Row(what, Time(ns), budgetText, ratio, "<=1.00", !ratio ? "?" : *ratio <= 1.0 ? "yes" : "NO");
 }
 
+// Time against a baseline measured in the same run: measured / baseline, at most `atMost`.
+void RatioRow(const std::string& what, const char* measured, const char* baseline, double atMost,
+              const char* goal) {
+  const auto m = Recorded(measured);
+  const auto b = Recorded(baseline);
+  std::optional<double> ratio;
+  if (m && b) ratio = *m / *b;
+  Row(what, Time(m), Time(b), ratio, goal, !ratio ? "?" : *ratio <= atMost ? "yes" : "NO");
+}
+
 void InfoRow(const std::string& what, std::optional<double> ns, std::optional<double> baseNs,
              const std::string& baseName) {
   std::optional<double> ratio;
@@ -164,6 +174,8 @@ void Summary(const Data& d) {
   BudgetRow("redraw with 30-leg overlay, raster", Recorded("BM_OverlayRaster"), 10e6, "10 ms");
   InfoRow("  raster vs null canvas", Recorded("BM_OverlayRaster"), Recorded("BM_OverlayNull"),
           "null");
+  RatioRow("kit PDF, 11 pages vs one-chart PDF", "BM_KitPdf", "BM_SingleChartPdf", 3.0, "<=3.00");
+  RatioRow("kit PDF with --fit vs without", "BM_KitPdfFit", "BM_KitPdf", 1.5, "<=1.50");
   InfoRow("50 zoom steps, median step, raster", Recorded("zoom_raster_median"),
           Recorded("zoom_null_median"), "null");
   InfoRow("50 zoom steps, worst step, raster", Recorded("zoom_raster_worst"),

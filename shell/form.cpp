@@ -241,4 +241,17 @@ void ArptForm::picArpt_MouseDown(int /*button*/, int /*shift*/, double x, double
   redraw();
 }
 
+void ArptForm::showView(std::int32_t zoom, std::int32_t panX, std::int32_t panY) {
+  if (!store_.hasAirport() || !controls_.cmdPlus.enabled) return;
+  zoom = std::clamp(zoom - zoom % kZoomStep, kZoomMin, kZoomMax);
+  // A zoom step rewrites the caption even when it changes nothing; no step leaves it.
+  if (zoom != view_.Zoom) {
+    view_.Zoom = zoom;
+    setZoomCaption("");
+  }
+  view_.PanX = std::clamp(panX, -kPanLimit, kPanLimit);
+  view_.PanY = std::clamp(panY, -kPanLimit, kPanLimit);
+  redraw();
+}
+
 }  // namespace velmora

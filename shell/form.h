@@ -61,6 +61,10 @@ class ArptForm {
   void cmdZoom_Click();
   void picArpt_MouseDown(int button, int shift, double x, double y);
 
+  // What zoom steps up to `zoom` (even, 2 to 50), then "Reset Position" and clicks worth
+  // `panX`, `panY` leave, drawn once instead of at every step.
+  void showView(std::int32_t zoom, std::int32_t panX, std::int32_t panY);
+
   // What the user types into txtSearch (Windows-1252).
   void setSearchText(std::string text) { controls_.txtSearch.text = std::move(text); }
 

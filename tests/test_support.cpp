@@ -77,6 +77,42 @@ void Harness::load(std::string_view code) {
   form_->cmdArpt_Click();
 }
 
+void WriteAirports(const TempDir& dir, const std::vector<GenAirport>& airports) {
+  std::vector<std::string> index, file;
+  for (const GenAirport& a : airports) {
+    index.push_back(a.code + ";Generated;Testland;gen.txt");
+    file.insert(file.end(),
+                {"<Airport ident=\"" + a.code + "\"", "lat=\"N10 00.00\"", "lon=\"E10 00.00\">"});
+    for (std::size_t n = 0; n < a.approaches.size(); ++n) {
+      for (std::size_t i = 0; i < a.approaches[n].fixes.size(); ++i) {
+        const auto [x, y] = a.approaches[n].fixes[i];
+        file.insert(
+            file.end(),
+            {"<Waypoint", "waypointIdent=\"A" + std::to_string(n) + "F" + std::to_string(i) + "\"",
+             "lat=\"" + LatAt(y) + "\"", "lon=\"" + LonAt(x) + "\"/>"});
+      }
+    }
+    for (std::size_t n = 0; n < a.approaches.size(); ++n) {
+      const GenApproach& app = a.approaches[n];
+      file.insert(file.end(), {"<Approach type=\"" + app.type + "\"",
+                               "runway=\"" + app.runway + "\"", "designator=\"NONE\">"});
+      if (app.lostFirst)
+        file.insert(file.end(), {"<Leg type=\"IF\"", "fixIdent=\"NOWHERE\"", "/>"});
+      for (std::size_t i = 0; i < app.fixes.size(); ++i) {
+        file.insert(file.end(),
+                    {"<Leg type=\"TF\"",
+                     "fixIdent=\"A" + std::to_string(n) + "F" + std::to_string(i) + "\"",
+                     "magneticCourse=\"90.0\"", "altitude1=\"3000.00F\"", "/>"});
+      }
+      file.push_back("</Approach>");
+    }
+    file.push_back("</Airport>");
+  }
+  dir.write("Arpt index.txt", CrLf(index));
+  dir.write("vor.nav", "");
+  dir.write("FSXFiles/gen.txt", CrLf(file));
+}
+
 std::vector<std::string> Filter(const std::vector<std::string>& trace, std::string_view prefix) {
   std::vector<std::string> out;
   for (const std::string& line : trace) {

@@ -61,6 +61,20 @@ std::vector<std::string> TakeLines(std::ostringstream& out);
 std::string LatAt(int y);
 std::string LonAt(int x);
 
+// An approach of a generated airport: its fixes as canvas positions at Zoom 16, without pan.
+struct GenApproach {
+  std::string type, runway;
+  std::vector<std::pair<int, int>> fixes;
+  bool lostFirst = false;  // the first leg names a fix no table holds
+};
+struct GenAirport {
+  std::string code;
+  std::vector<GenApproach> approaches;
+};
+// Writes the index, an empty VOR list and FSXFiles/gen.txt with the airports, each at
+// N10 00.00 E10 00.00 as LatAt and LonAt take it.
+void WriteAirports(const TempDir& dir, const std::vector<GenAirport>& airports);
+
 // Lines of `trace` that start with `prefix`.
 std::vector<std::string> Filter(const std::vector<std::string>& trace, std::string_view prefix);
 

@@ -26,7 +26,9 @@ int main(int argc, char** argv) {
   QGuiApplication app(argc, argv);
   std::vector<std::string> args(argv + 1, argv + argc);
   const std::filesystem::path exeDir = QCoreApplication::applicationDirPath().toStdString();
-  const auto options = velmora::ParseChartArgs(args, exeDir, std::cerr);
+  auto options = velmora::ParseChartArgs(args, exeDir, std::cerr);
   if (!options) return 2;
-  return velmora::RunChart(*options, velmora::WritePicture, std::cout, std::cerr);
+  options->progress = isatty(STDERR_FILENO) == 1;
+  return velmora::RunChart(*options, velmora::WritePicture, velmora::MakeKitPdf, std::cout,
+                           std::cerr);
 }

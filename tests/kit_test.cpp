@@ -1,0 +1,185 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <ranges>
+#include <sstream>
+
+#include "charts/fit.h"
+#include "shell/chart_run.h"
+#include "test_support.h"
+
+namespace velmora::test {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// A compact approach near the airport, and one that reaches beyond both sides of the sheet.
+const GenApproach kCompact{"GPS", "9", {{6800, 4700}, {7200, 4900}, {7500, 5300}, {7000, 5000}}};
+// Compact but far north: closer views would push its later fixes off the chart before pan,
+// where the overlay drops them.
+const GenApproach kNorth{"NDB", "36", {{7000, 1500}, {7400, 1700}, {7200, 1900}, {6900, 1600}}};
+// A little taller than the sheet's room for fixes at the default zoom.
+const GenApproach kTall{"LOC", "18", {{7000, 1200}, {7200, 5000}, {7000, 9000}}};
+const GenApproach kWide{"VOR", "27", {{-6000, 3000}, {2000, 4000}, {16000, 6000}, {21000, 7000}}};
+
+// Positions of the fix symbols in a trace: black circles of radius 30 and width 2.
+std::vector<std::pair<int, int>> FixSymbols(const Lines& trace) {
+  std::vector<std::pair<int, int>> fixes;
+  for (const std::string& line : Filter(trace, "circle ")) {
+    std::istringstream in(line.substr(7));
+    int x, y, r;
+    std::string colour, width;
+    in >> x >> y >> r >> colour >> width;
+    if (r == 30 && colour == "0,0,0" && width == "2") fixes.emplace_back(x, y);
+  }
+  return fixes;
+}
+
+TEST(Fit, ClosestViewHoldsEveryFixAndIsOneAUserCanReach) {
+  TempDir d;
+  WriteAirports(d, {{"XGEN", {kCompact, kWide, kNorth, kTall}}});
+  // clang-format off
+  const struct { int row; bool closer; } cases[] = {{0, true}, {1, false}, {2, true}, {3, false}};
+  // clang-format on
+  for (const auto& k : cases) {
+    Harness fit(d.path());
+    fit.load("XGEN");
+    fit.form().cmbAPP_Click(k.row);
+    const auto view = FitApproach(fit.store());
+    ASSERT_TRUE(view.has_value()) << k.row;
+    EXPECT_EQ(view->Zoom < kZoomOnLoad, k.closer) << view->Zoom;
+    EXPECT_EQ(view->Zoom > kZoomOnLoad, !k.closer) << view->Zoom;
+    fit.takeTrace();
+    fit.form().showView(view->Zoom, view->PanX, view->PanY);
+    const Lines shown = fit.takeTrace();
+    const auto fixes = FixSymbols(shown);
+    EXPECT_EQ(fixes.size(), k.row == 3 ? 3u : 4u) << k.row;
+    for (const auto& [x, y] : fixes) {
+      EXPECT_TRUE(x >= kFitLeft && x <= kFitRight && y >= kFitTop && y <= kFitBottom)
+          << k.row << ": " << x << "," << y;
+    }
+    // The first closer zoom no longer holds them all.
+    if (view->Zoom > kZoomMin) {
+      Harness closer(d.path());
+      closer.load("XGEN");
+      closer.form().cmbAPP_Click(k.row);
+      closer.takeTrace();
+      closer.form().showView(view->Zoom - kZoomStep, view->PanX, view->PanY);
+      const auto near = FixSymbols(closer.takeTrace());
+      const auto width = std::ranges::minmax(near | std::views::keys);
+      const auto height = std::ranges::minmax(near | std::views::values);
+      EXPECT_TRUE(near.size() < fixes.size() || width.max - width.min > kFitRight - kFitLeft ||
+                  height.max - height.min > kFitBottom - kFitTop)
+          << k.row;
+    }
+    // The same picture through the buttons and one click.
+    Harness user(d.path());
+    user.load("XGEN");
+    user.form().cmbAPP_Click(k.row);
+    for (int z = kZoomOnLoad; z != view->Zoom; z += z < view->Zoom ? kZoomStep : -kZoomStep) {
+      z < view->Zoom ? user.form().cmdMinus_Click() : user.form().cmdPlus_Click();
+    }
+    user.form().cmdZoom_Click();
+    user.takeTrace();
+    user.form().picArpt_MouseDown(1, 0, 7000 - view->PanX, 5000 - view->PanY);
+    EXPECT_EQ(user.takeTrace(), shown) << k.row;
+    EXPECT_EQ(user.form().controls().cmdZoom.text, fit.form().controls().cmdZoom.text);
+  }
+}
+
+std::string Slurp(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+TEST(ChartTool, UsageExitStatusesAndAirportsWithoutAChart) {
+  TempDir d;
+  WriteAirports(d, {{"XGEN", {kCompact}}});
+  d.write("Arpt index.txt", CrLf({"XGEN;G;T;gen.txt", "XMIS;G;T;gen.txt"}));
+  const std::string kept = d.write("kept.png", "old picture").string();
+  const std::string missing = (d.path() / "nofolder" / "x.png").string();
+  // clang-format off
+  const struct { Lines args; int status; std::string out, err; } cases[] = {
+      {{"--help"}, 0, "exit status: 0 done", ""},
+      {{"-h", "dance"}, 0, "--all-approaches", ""},
+      {{"--version"}, 0, "velmora-chart 1.", ""},
+      {{}, 2, "", "usage:"},
+      {{"--fit"}, 2, "", "nothing to do"},
+      {{"--airport", "XGEN", "--page", "b5"}, 2, "", "a4, letter or a5"},
+      {{"--airport", "XGEN,XMIS"}, 2, "", "add --all-approaches"},
+      {{"--airport", "XGEN,", "--all-approaches", "--out", "k.pdf"}, 2, "", "an empty code"},
+      {{"--airport", "XGEN", "--all-approaches"}, 2, "", "needs one --out"},
+      {{"--airport", "XGEN", "--all-approaches", "--out", "k.pdf", "plus"}, 2, "", "no steps"},
+      {{"--airport", "nope", "--out", kept}, 1, "", "NOPE"},
+      {{"--airport", "XMIS", "--out", kept}, 1, "", "Sorry, XMIS is not in"},
+      {{"--airport", "XGEN", "--out", missing}, 1, "", "does not exist"},
+      {{"--airport", "XGEN", "--out", kept}, 1, "", "was not written"}};
+  // clang-format on
+  // Fails halfway through its file.
+  const auto failing = [](const auto&, const std::filesystem::path& path, double, std::ostream&) {
+    std::ofstream(path) << "half";
+    return false;
+  };
+  for (const auto& k : cases) {
+    Lines args = {"--data", d.path().string()};
+    args.insert(args.end(), k.args.begin(), k.args.end());
+    std::ostringstream out, err;
+    const auto options = ParseChartArgs(args, "/nowhere", err);
+    const int status = options ? RunChart(*options, failing, out, err) : 2;
+    const std::string what = k.args.empty() ? "(none)" : k.args.front() + " " + k.args.back();
+    EXPECT_EQ(status, k.status) << what << "\n" << err.str();
+    EXPECT_NE(out.str().find(k.out), std::string::npos) << what;
+    EXPECT_NE(err.str().find(k.err), std::string::npos) << what << "\n" << err.str();
+    EXPECT_EQ(err.str().empty(), k.err.empty()) << what << "\n" << err.str();
+  }
+  // The failed runs left the old picture and no temporary file behind.
+  EXPECT_EQ(Slurp(kept), "old picture");
+  const auto left = std::distance(std::filesystem::directory_iterator(d.path()), {});
+  EXPECT_EQ(left, 4);  // index, vor.nav, FSXFiles, kept.png
+}
+
+TEST(Kit, FolderOfPicturesNamedSafelyWithNotesForOddAirports) {
+  TempDir d;
+  GenApproach lost = kCompact;
+  lost.type = "VOR/DME*", lost.lostFirst = true;
+  WriteAirports(d, {{"XGEN", {kCompact, lost}}, {"XEMP", {}}});
+  const auto out = d.path() / "kit";
+  std::filesystem::create_directory(out);
+  Lines args = {"--data",           d.path().string(), "--airport", "XGEN,XEMP",
+                "--all-approaches", "--format",        "svg",       "--out",
+                out.string() + "/"};
+  std::ostringstream sout, err;
+  const auto options = ParseChartArgs(args, "/nowhere", err);
+  ASSERT_TRUE(options.has_value()) << err.str();
+  const auto noPng = [](const auto&, const auto&, double, std::ostream&) { return false; };
+  EXPECT_EQ(RunChart(*options, noPng, sout, err), 0) << err.str();
+  Lines names;
+  for (const auto& entry : std::filesystem::directory_iterator(out)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::ranges::sort(names);
+  EXPECT_EQ(names, (Lines{"XEMP.svg", "XGEN-0-GPS_9.svg", "XGEN-1-VOR_DME__9.svg", "XGEN.svg"}));
+  EXPECT_NE(err.str().find("XGEN VOR/DME* 9: first fix 'NOWHERE' not found"), std::string::npos)
+      << err.str();
+  EXPECT_NE(err.str().find("XEMP has no approaches"), std::string::npos) << err.str();
+  EXPECT_NE(Slurp(out / "XGEN-1-VOR_DME__9.svg").find("ATTENTION"), std::string::npos);
+}
+
+TEST(Kit, FileStems) {
+  // clang-format off
+  const struct { std::string code; int row; std::string approach, stem; } cases[] = {
+      {"KSEA", -1, "ignored", "KSEA"},
+      {"KSEA", 0, "ILS 16L", "KSEA-0-ILS_16L"},
+      {"X P B N", 12, "RNAV/GPS: Y?", "X_P_B_N-12-RNAV_GPS__Y_"},
+      {"XAMO", 3, "VOR \xc3\xa9", "XAMO-3-VOR___"},
+      {"XAMO", 1, "../..", "XAMO-1-.._.."},
+      {"XAMO", 1, std::string(300, 'A'), "XAMO-1-" + std::string(113, 'A')}};
+  // clang-format on
+  for (const auto& k : cases) EXPECT_EQ(KitFileStem(k.code, k.row, k.approach), k.stem);
+}
+
+}  // namespace
+}  // namespace velmora::test

@@ -1,0 +1,107 @@
+#include <gtest/gtest.h>
+
+#include <qpdf/QPDF.hh>
+#include <qpdf/QPDFOutlineDocumentHelper.hh>
+#include <qpdf/QPDFPageDocumentHelper.hh>
+#include <sstream>
+
+#include "shell/chart_run.h"
+#include "shell/qt/pictures.h"
+#include "tests/test_support.h"
+
+namespace velmora::test {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// Passes pages on to the real PDF and keeps each page's drawing as trace lines.
+class RecordingKit final : public KitDocument {
+ public:
+  RecordingKit(std::unique_ptr<KitDocument> pdf, std::vector<Lines>& pages)
+      : pdf_(std::move(pdf)), pages_(pages) {}
+  bool add(const KitPage& page, std::ostream& err) override {
+    std::ostringstream out;
+    TraceCanvas trace(out);
+    page.picture->replay(trace);
+    pages_.push_back(TakeLines(out));
+    return pdf_->add(page, err);
+  }
+  bool finish(const std::filesystem::path& path, std::ostream& err) override {
+    return pdf_->finish(path, err);
+  }
+
+ private:
+  std::unique_ptr<KitDocument> pdf_;
+  std::vector<Lines>& pages_;
+};
+
+// The picture at the end of a velmora-chart run over `steps`: what its last Cls began.
+Lines LastStep(const std::filesystem::path& data, const Lines& steps) {
+  Lines args = {"--data", data.string(), "--trace", "-"};
+  args.insert(args.end(), steps.begin(), steps.end());
+  std::ostringstream out, err;
+  const auto options = ParseChartArgs(args, "/nowhere", err);
+  EXPECT_EQ(RunChart(*options, WritePicture, out, err), 0) << err.str();
+  Lines drawn;
+  for (const std::string& line : TakeLines(out)) {
+    if (line == "cls") drawn.clear();
+    if (!line.starts_with("# ") && !line.starts_with("caption")) drawn.push_back(line);
+  }
+  return drawn;
+}
+
+TEST(KitPdf, OnePagePerApproachWithBookmarksAndTheChartsOfTheirPicks) {
+  TempDir d;
+  GenAirport airport{"XGEN", {}};
+  for (int n = 0; n < 10; ++n) {
+    airport.approaches.push_back(
+        {n % 2 ? "VOR" : "GPS", std::to_string(n + 1), {{3000 + 300 * n, 2000}, {7000, 5000}}});
+  }
+  WriteAirports(d, {airport});
+  for (const bool fit : {false, true}) {
+    const auto pdf = d.path() / (fit ? "fit.pdf" : "kit.pdf");
+    Lines args = {"--data", d.path().string(), "--airport", "XGEN",      "--all-approaches",
+                  "--page", "letter",          "--out",     pdf.string()};
+    if (fit) args.push_back("--fit");
+    std::vector<Lines> pages;
+    const KitMaker recording = [&](const auto& path, const auto& options, std::ostream& err) {
+      return std::make_unique<RecordingKit>(MakeKitPdf(path, options, err), pages);
+    };
+    std::ostringstream out, err;
+    const auto options = ParseChartArgs(args, "/nowhere", err);
+    ASSERT_TRUE(options.has_value()) << err.str();
+    ASSERT_EQ(RunChart(*options, WritePicture, recording, out, err), 0) << err.str();
+    EXPECT_TRUE(err.str().empty()) << err.str();
+
+    QPDF read;
+    read.processFile(pdf.c_str());
+    auto pdfPages = QPDFPageDocumentHelper(read).getAllPages();
+    ASSERT_EQ(pdfPages.size(), 11u);
+    // Letter, landscape.
+    const auto box = pdfPages[0].getMediaBox().getArrayAsRectangle();
+    EXPECT_NEAR(box.urx - box.llx, 792, 1);
+    EXPECT_NEAR(box.ury - box.lly, 612, 1);
+    QPDFOutlineDocumentHelper outline(read);
+    auto top = outline.getTopLevelOutlines();
+    ASSERT_EQ(top.size(), 1u);
+    EXPECT_EQ(top[0].getTitle(), "XGEN");
+    auto kids = top[0].getKids();
+    ASSERT_EQ(kids.size(), 10u);
+    for (std::size_t k = 0; k < kids.size(); ++k) {
+      EXPECT_EQ(kids[k].getTitle(),
+                "XGEN " + std::string(k % 2 ? "VOR " : "GPS ") + std::to_string(k + 1));
+      EXPECT_EQ(kids[k].getDestPage().getObjGen(), pdfPages[k + 1].getObjectHandle().getObjGen());
+    }
+
+    ASSERT_EQ(pages.size(), 11u);
+    EXPECT_EQ(pages[0], LastStep(d.path(), {"--airport", "XGEN"}));
+    for (int k = 0; k < 10; ++k) {
+      Lines steps = {"--airport", "XGEN", "pick:" + std::to_string(k)};
+      if (fit) steps.push_back("fit");
+      EXPECT_EQ(pages[k + 1], LastStep(d.path(), steps)) << "page of pick:" << k;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace velmora::test
