@@ -5,12 +5,16 @@
 #   ./build.sh test   install what is missing, build, run the benchmarks and every test
 #   ./build.sh shot   screenshots of the window under Xvfb into build/screenshots/
 #   ./build.sh package   build and make a Debian package (velmora_*.deb) in build/
+#   ./build.sh sanitize       build into build-asan under the address and undefined-behaviour
+#                             sanitizers and run every test there
+#   ./build.sh fuzz [SECONDS] build the fuzz targets with clang into build-fuzz and run each
+#                             for SECONDS (default 60)
 set -euo pipefail
 cd "$(dirname "$0")"
 BUILD=${BUILD:-build}
 
 packages=(cmake ninja-build g++ qt6-base-dev libgl-dev libgtest-dev libbenchmark-dev poppler-utils
-  fonts-dejavu-core xvfb xauth x11-apps imagemagick pkg-config libqpdf-dev)
+  fonts-dejavu-core xvfb xauth x11-apps imagemagick pkg-config libqpdf-dev clang libclang-rt-14-dev)
 
 install_missing() {
   local missing=()
@@ -65,8 +69,22 @@ case "${1:-}" in
     deb=$(ls -t "$BUILD"/velmora_*.deb | head -1)
     echo "Package: $deb"
     ;;
+  sanitize)
+    install_missing
+    cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVELMORA_SANITIZE=ON \
+      >/dev/null
+    cmake --build build-asan
+    (cd build-asan && ctest --output-on-failure)
+    ;;
+  fuzz)
+    install_missing
+    CC=clang CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+      -DVELMORA_FUZZ=ON >/dev/null
+    cmake --build build-fuzz
+    tests/fuzz/run.sh build-fuzz "${2:-60}"
+    ;;
   *)
-    echo "usage: $0 run|test|shot|package" >&2
+    echo "usage: $0 run|test|shot|package|sanitize|fuzz [SECONDS]" >&2
     exit 2
     ;;
 esac

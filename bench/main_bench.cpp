@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "bench/bench_support.h"
+#include "data/line_reader.h"
 #include "shell/qt/qt_canvas.h"
 
 namespace velmora::bench {
@@ -154,6 +155,20 @@ void Summary(const Data& d) {
     Row("  airports indexed, of 30,000 in " +
             std::to_string(static_cast<int>(*Recorded("world_mb"))) + " MB",
         m, "", std::nullopt, "info", "");
+  }
+  RateRow("ExtractArpt, one 200 MB line, vs count", "BM_LongLineExtract", "BM_LongLineCount", 0.4,
+          ">=0.40");
+  {
+    // Bounded by the line limit and two reads' worth of buffer.
+    const auto bytes = Recorded("long_line_buffer_bytes");
+    const double bound = static_cast<double>(kMaxLineBytes + (2u << 20));
+    char m[32] = "not run";
+    if (bytes) std::snprintf(m, sizeof m, "%.1f MB", *bytes / 1048576.0);
+    Row("  reader's buffer for it", m, "18.0 MB",
+        bytes ? std::optional(*bytes / bound) : std::nullopt, "<=1.00",
+        !bytes            ? "?"
+        : *bytes <= bound ? "yes"
+                          : "NO");
   }
   BudgetRow("LoadVor, 8001 lines", Recorded("BM_LoadVor"), 5e6, "5 ms");
   InfoRow("  LoadVor vs memchr count of vor.nav", Recorded("BM_LoadVor"),

@@ -93,13 +93,15 @@ void FixSymbol(Canvas& c, Position p) {
 }
 
 void NameLabel(Canvas& c, Position p, const LegRow& leg) {
-  PrintAt(c, p.x - 100, p.y, 8, false, leg.fixIdent);
+  PrintAt(c, ScreenAdd(p.x, -100), p.y, 8, false, leg.fixIdent);
 }
 
 void AltitudeAndDme(Canvas& c, Position p, const LegRow& leg) {
-  PrintAt(c, p.x - 100, p.y + 200, 10, false, AltitudeText(leg.altitude));
+  PrintAt(c, ScreenAdd(p.x, -100), ScreenAdd(p.y, 200), 10, false, AltitudeText(leg.altitude));
   const std::string dme = DmeText(leg.rho);
-  if (!dme.empty()) PrintAt(c, p.x - 100, p.y + 400, 10, false, dme + " DME");
+  if (!dme.empty()) {
+    PrintAt(c, ScreenAdd(p.x, -100), ScreenAdd(p.y, 400), 10, false, dme + " DME");
+  }
 }
 
 void Warning(Canvas& c) {
@@ -134,7 +136,8 @@ class Track {
     const std::int32_t gy = FixGridY(s_, leg.fixIdent);
     const std::int32_t gx = FixGridX(s_, leg.fixIdent);
     if (gx == 0) Warning(c_);
-    const Position p{GridToScreenX(v_, gx) + v_.PanX, GridToScreenY(v_, gy) + v_.PanY};
+    const Position p{ScreenAdd(GridToScreenX(v_, gx), v_.PanX),
+                     ScreenAdd(GridToScreenY(v_, gy), v_.PanY)};
     prev_ = p;
     if (ils_) start_ = p;
     FixSymbol(c_, p);
@@ -149,7 +152,7 @@ class Track {
     const std::int32_t screenY = GridToScreenY(v_, gy);
     // Only Y is tested, before pan; a fix no table holds falls out here.
     if (screenY < 1 || screenY > 9999) return;
-    const Position p{GridToScreenX(v_, gx) + v_.PanX, screenY + v_.PanY};
+    const Position p{ScreenAdd(GridToScreenX(v_, gx), v_.PanX), ScreenAdd(screenY, v_.PanY)};
     FixSymbol(c_, p);
     NameLabel(c_, p, leg);
     if (leg.fixIdent.starts_with("RW")) {
@@ -177,12 +180,13 @@ class Track {
   }
 
   void courseMark(Position p, const LegRow& leg) {
-    const std::int32_t midX = RoundEven(p.x - (p.x - prev_.x) / 2.0);
-    const std::int32_t midY = RoundEven(p.y - (p.y - prev_.y) / 2.0);
+    const std::int32_t midX = RoundEven(p.x - (static_cast<double>(p.x) - prev_.x) / 2.0);
+    const std::int32_t midY = RoundEven(p.y - (static_cast<double>(p.y) - prev_.y) / 2.0);
     const auto course = Course(leg.magneticCourse);
     if (!course) return;
     DrawCourseMark(c_, midX, midY, *course);
-    PrintAt(c_, midX + 50, midY - 400, 10, true, CourseText(leg.magneticCourse) + kDegreeSign);
+    PrintAt(c_, ScreenAdd(midX, 50), ScreenAdd(midY, -400), 10, true,
+            CourseText(leg.magneticCourse) + kDegreeSign);
     c_.pen.FontBold = false;
   }
 

@@ -23,19 +23,19 @@ std::optional<Point> Map(const View& v, const std::string& lat, const std::strin
 void ReferencePoint(const View& v, Point arp, Canvas& c) {
   // The yellow cross stays where a click brings the clicked point; the rest moves with pan.
   c.pen.ForeColor = kYellow;
-  c.Line(arp.x - 200, arp.y, arp.x + 200, arp.y);
-  c.Line(arp.x, arp.y - 200, arp.x, arp.y + 200);
-  const std::int32_t x = arp.x + v.PanX;
-  const std::int32_t y = arp.y + v.PanY;
+  c.Line(ScreenAdd(arp.x, -200), arp.y, ScreenAdd(arp.x, 200), arp.y);
+  c.Line(arp.x, ScreenAdd(arp.y, -200), arp.x, ScreenAdd(arp.y, 200));
+  const std::int32_t x = ScreenAdd(arp.x, v.PanX);
+  const std::int32_t y = ScreenAdd(arp.y, v.PanY);
   // The ring has the radius of the whole scale bar: 48000 grid units.
   c.Circle(x, y, RoundEven(48000.0 / v.Zoom));
   c.Circle(x, y, 30);
   c.pen.DrawWidth = 1;
   c.pen.ForeColor = kBlack;
-  c.Line(x - 100, y, x + 100, y);
-  c.Line(x, y - 100, x, y + 100);
+  c.Line(ScreenAdd(x, -100), y, ScreenAdd(x, 100), y);
+  c.Line(x, ScreenAdd(y, -100), x, ScreenAdd(y, 100));
   // The label takes whatever font is set.
-  c.pen.CurrentX = x + 40;
+  c.pen.CurrentX = ScreenAdd(x, 40);
   c.pen.CurrentY = y;
   c.Print("ARP");
 }
@@ -44,7 +44,7 @@ void Runways(const Store& s, const View& v, Canvas& c) {
   std::array<std::optional<Point>, decltype(s.RwyEnd)::kHighest + 1> ends;
   for (std::int32_t slot = 0; slot <= s.RwyLast && s.RwyEnd.has(slot); ++slot) {
     if (auto p = Map(v, s.RwyEnd[slot].lat, s.RwyEnd[slot].lon)) {
-      ends[slot] = Point{p->x + v.PanX, p->y + v.PanY};
+      ends[slot] = Point{ScreenAdd(p->x, v.PanX), ScreenAdd(p->y, v.PanY)};
     }
   }
   for (std::int32_t slot = 0; slot < s.RwyLast && s.RwyEnd.has(slot + 1); slot += 2) {
@@ -60,15 +60,15 @@ void Ndbs(const Store& s, const View& v, Canvas& c) {
     const NdbRow& ndb = s.Ndb[slot];
     const auto p = Map(v, ndb.lat, ndb.lon);
     if (!p) continue;
-    const std::int32_t x = p->x + v.PanX;
-    const std::int32_t y = p->y + v.PanY;
+    const std::int32_t x = ScreenAdd(p->x, v.PanX);
+    const std::int32_t y = ScreenAdd(p->y, v.PanY);
     c.pen.DrawWidth = 1;
     c.pen.ForeColor = kRed;
     c.Circle(x, y, 30);
     c.Circle(x, y, 60);
-    PrintAt(c, x, y - 800, 10, false, ndb.ident);
+    PrintAt(c, x, ScreenAdd(y, -800), 10, false, ndb.ident);
     c.pen.CurrentX = x;
-    c.pen.CurrentY = y - 600;
+    c.pen.CurrentY = ScreenAdd(y, -600);
     c.Print(ndb.frequency);
     c.pen.ForeColor = kBlack;
   }
@@ -80,20 +80,20 @@ void Vors(const Store& s, const View& v, Canvas& c) {
     const auto p = Map(v, vor.lat, vor.lon);
     // Only X is tested, and before pan.
     if (!p || p->x < 1 || p->x > 13999) continue;
-    const std::int32_t x = p->x + v.PanX;
-    const std::int32_t y = p->y + v.PanY;
+    const std::int32_t x = ScreenAdd(p->x, v.PanX);
+    const std::int32_t y = ScreenAdd(p->y, v.PanY);
     c.pen.ForeColor = kBlue;
     c.Circle(x, y, 30);
     c.Circle(x, y, 60);
     c.Circle(x, y, 90);
-    c.pen.CurrentX = x + 500;
+    c.pen.CurrentX = ScreenAdd(x, 500);
     c.pen.CurrentY = y;
     c.pen.DrawWidth = 1;
     c.pen.FontSize = 10;
     c.pen.FontBold = true;
     c.Print(vor.ident);
-    c.pen.CurrentX = x + 500;
-    c.pen.CurrentY = y + 200;
+    c.pen.CurrentX = ScreenAdd(x, 500);
+    c.pen.CurrentY = ScreenAdd(y, 200);
     c.Print(vor.frequency);
     c.pen.FontBold = false;
     c.pen.ForeColor = kBlack;

@@ -48,7 +48,7 @@ class FileIndexer {
   // The airports of one file as the reader finds them; false when the file can't be read.
   bool run(const std::filesystem::path& path) {
     LineReader reader;
-    if (!reader.open(path)) return false;
+    if (reader.open(path) != OpenStatus::kOpened) return false;
     std::string curElement;
     bool own = false;  // the lines now read belong to the airport's own element
     std::string_view raw;

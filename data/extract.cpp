@@ -7,7 +7,6 @@
 
 #include "data/airport_scan.h"
 #include "data/decoders.h"
-#include "data/line_reader.h"
 
 namespace velmora {
 namespace {
@@ -278,12 +277,19 @@ std::string RunwayFixName(const RwyEndRow& row) {
 
 ExtractReport ExtractArpt(Store& store, const std::filesystem::path& file,
                           std::string_view searchIdent) {
-  ExtractReport report;
-  store.ClearArpt();
   LineReader reader;
-  report.opened = reader.open(file);
-  if (!report.opened) return report;
+  const OpenStatus status = reader.open(file);
+  if (status == OpenStatus::kOpened) return ExtractArpt(store, reader, searchIdent);
+  store.ClearArpt();
+  ExtractReport report;
+  report.notRegular = status == OpenStatus::kNotRegular;
+  return report;
+}
 
+ExtractReport ExtractArpt(Store& store, LineReader& reader, std::string_view searchIdent) {
+  ExtractReport report;
+  report.opened = true;
+  store.ClearArpt();
   AirportReader airport(store, report.dropped);
   AirportLine work;
   bool flag = false;
@@ -297,6 +303,7 @@ ExtractReport ExtractArpt(Store& store, const std::filesystem::path& file,
     if (!airport.take(key, head.key, work.line())) break;
   }
   report.readError = reader.failed();
+  report.longLines = reader.longLines();
   report.found = store.hasAirport();
   return report;
 }

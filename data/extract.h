@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "data/line_reader.h"
 #include "data/store.h"
 
 namespace velmora {
@@ -19,8 +20,10 @@ struct Dropped {
 
 struct ExtractReport {
   bool opened = false;
+  bool notRegular = false;  // a folder, device, FIFO or socket rather than a file
   bool readError = false;
   bool found = false;  // the file holds the airport
+  int longLines = 0;   // lines passed over for their length
   Dropped dropped;
 };
 
@@ -28,6 +31,8 @@ struct ExtractReport {
 // <Airport ident equals `searchIdent` exactly. The VOR list stays.
 ExtractReport ExtractArpt(Store& store, const std::filesystem::path& file,
                           std::string_view searchIdent);
+// The same from a reader already open, on a file or on bytes in memory.
+ExtractReport ExtractArpt(Store& store, LineReader& reader, std::string_view searchIdent);
 
 // "RW" and two digits and the designator's first letter: the name approach legs give a
 // runway end. Empty for a helipad and for numbers of more than two characters.

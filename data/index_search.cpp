@@ -1,6 +1,5 @@
 #include "data/index_search.h"
 
-#include "data/line_reader.h"
 #include "data/text.h"
 
 namespace velmora {
@@ -24,11 +23,18 @@ bool SameIdent(std::string_view field, std::string_view ident) {
 
 IndexSearchResult SearchIndex(const std::filesystem::path& index, std::string_view searchIdent,
                               const std::function<void(int dots)>& progress) {
-  IndexSearchResult result;
   LineReader reader;
-  result.opened = reader.open(index);
-  if (!result.opened) return result;
+  const OpenStatus status = reader.open(index);
+  if (status == OpenStatus::kOpened) return SearchIndex(reader, searchIdent, progress);
+  IndexSearchResult result;
+  result.notRegular = status == OpenStatus::kNotRegular;
+  return result;
+}
 
+IndexSearchResult SearchIndex(LineReader& reader, std::string_view searchIdent,
+                              const std::function<void(int dots)>& progress) {
+  IndexSearchResult result;
+  result.opened = true;
   int& rejected = result.rejected;
   std::string lastField;
   std::string_view line;
@@ -43,6 +49,7 @@ IndexSearchResult SearchIndex(const std::filesystem::path& index, std::string_vi
       if (fields.size() > 1) result.info1 = RemoveBlanks(fields[1]);
       if (fields.size() > 2) result.info2 = RemoveBlanks(fields[2]);
       if (fields.size() > 3) result.file = RemoveBlanks(fields[3]);
+      result.longLines = reader.longLines();
       return result;
     }
     lastField.assign(field1);
@@ -52,6 +59,7 @@ IndexSearchResult SearchIndex(const std::filesystem::path& index, std::string_vi
     ++rejected;
   }
   result.readError = reader.failed();
+  result.longLines = reader.longLines();
   result.ident = RemoveBlanks(lastField);
   return result;
 }

@@ -1,5 +1,6 @@
 #include "data/line_reader.h"
 
+#include <algorithm>
 #include <cstring>
 
 #if defined(__SSE2__)
@@ -25,129 +26,157 @@ const char* FindLineEnd(const char* p, const char* end) {
   return p;
 }
 
-// The first `needle` in [p, end), or null. Candidates are the places where both the first
-// and the last byte of the needle match, sixteen at a time; memmem's general search is
-// several times slower on the short keys the readers skip to.
-const char* FindNeedle(const char* p, const char* end, std::string_view needle) {
-  const std::size_t n = needle.size();
-  if (n == 0) return p;
-  if (static_cast<std::size_t>(end - p) < n) return nullptr;
-#if defined(__SSE2__)
-  const __m128i first = _mm_set1_epi8(needle.front());
-  const __m128i last = _mm_set1_epi8(needle.back());
-  for (; end - p >= static_cast<std::ptrdiff_t>(n + 15); p += 16) {
-    const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-    const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + n - 1));
-    auto hits = static_cast<unsigned>(
-        _mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi8(a, first), _mm_cmpeq_epi8(b, last))));
-    while (hits != 0) {
-      const int at = __builtin_ctz(hits);
-      if (std::memcmp(p + at, needle.data(), n) == 0) return p + at;
-      hits &= hits - 1;
-    }
-  }
-#endif
-  const void* hit = memmem(p, static_cast<std::size_t>(end - p), needle.data(), n);
-  return static_cast<const char*>(hit);
-}
-
 }  // namespace
 
-LineReader::LineReader(std::size_t chunkBytes)
-    : buf_(chunkBytes < 16 ? 16 : chunkBytes), chunk_(buf_.size()) {}
+LineReader::LineReader(std::size_t chunkBytes, std::size_t maxLine)
+    : chunk_(chunkBytes < 16 ? 16 : chunkBytes), maxLine_(maxLine) {}
 
 LineReader::~LineReader() {
   close();
 }
 
-bool LineReader::open(const std::filesystem::path& path) {
+void LineReader::start() {
+  pos_ = end_ = scan_ = hunt_ = 0;
+  eof_ = failed_ = skipping_ = false;
+  longLines_ = 0;
+}
+
+OpenStatus LineReader::open(const std::filesystem::path& path) {
   close();
-  std::error_code ec;
-  if (std::filesystem::is_directory(path, ec)) return false;
-  file_ = std::fopen(path.c_str(), "rb");
-  pos_ = end_ = 0;
-  eof_ = failed_ = false;
-  return file_ != nullptr;
+  start();
+  return OpenRegularFile(path, file_);
+}
+
+void LineReader::openMemory(std::string_view bytes) {
+  close();
+  start();
+  memory_ = bytes;
 }
 
 void LineReader::close() {
   if (file_ != nullptr) std::fclose(file_);
   file_ = nullptr;
+  memory_ = {};
 }
 
 bool LineReader::fill() {
-  if (eof_ || file_ == nullptr) {
-    eof_ = true;
-    return false;
-  }
+  if (eof_) return false;
   if (pos_ > 0) {
     std::memmove(buf_.data(), buf_.data() + pos_, end_ - pos_);
     end_ -= pos_;
+    scan_ -= pos_;
+    hunt_ -= pos_;
     pos_ = 0;
   }
-  // A line longer than the buffer makes the buffer grow.
-  if (buf_.size() < end_ + chunk_) buf_.resize(end_ + chunk_);
-  const std::size_t got = std::fread(buf_.data() + end_, 1, chunk_, file_);
-  if (got == 0) {
-    failed_ = std::ferror(file_) != 0;
-    eof_ = true;
+  // Bytes in memory need no more room than they take.
+  const std::size_t want = file_ != nullptr ? chunk_ : std::min(chunk_, memory_.size());
+  if (buf_.size() < end_ + want) {
+    // Grows for a long line, but never far past the limit.
+    buf_.reserve(std::max(end_ + want, std::min(2 * buf_.capacity(), maxLine_ + chunk_)));
+    buf_.resize(end_ + want);
   }
+  std::size_t got = 0;
+  if (file_ != nullptr) {
+    got = std::fread(buf_.data() + end_, 1, want, file_);
+    if (got == 0) failed_ = std::ferror(file_) != 0;
+  } else if (want > 0) {
+    std::memcpy(buf_.data() + end_, memory_.data(), want);
+    memory_.remove_prefix(want);
+    got = want;
+  }
+  if (got == 0) eof_ = true;
   end_ += got;
   return got > 0;
+}
+
+bool LineReader::passOverLongLine() {
+  if (!skipping_ && end_ - pos_ <= maxLine_) return false;
+  if (!skipping_) ++longLines_;
+  skipping_ = true;
+  pos_ = scan_ = hunt_ = end_;
+  return true;
 }
 
 bool LineReader::next(std::string_view& line) {
   for (;;) {
     const char* base = buf_.data();
-    const std::size_t stop = FindLineEnd(base + pos_, base + end_) - base;
+    // Bytes already looked at are not looked at again: a long line costs linear time.
+    const std::size_t stop = FindLineEnd(base + scan_, base + end_) - base;
     if (stop < end_) {
       // A CR at the very end of the buffer may be the first half of CR LF.
       if (base[stop] == '\r' && stop + 1 == end_ && !eof_) {
+        scan_ = stop;
         fill();
         continue;
       }
-      line = std::string_view(base + pos_, stop - pos_);
+      const std::size_t begin = pos_;
       pos_ = stop + 1;
       if (base[stop] == '\r' && pos_ < end_ && base[pos_] == '\n') ++pos_;
+      scan_ = hunt_ = pos_;
+      if (skipping_ || stop - begin > maxLine_) {
+        if (!skipping_) ++longLines_;
+        skipping_ = false;
+        continue;
+      }
+      line = std::string_view(base + begin, stop - begin);
       return true;
     }
+    scan_ = end_;
     if (eof_) {
-      if (pos_ == end_) return false;
-      line = std::string_view(base + pos_, end_ - pos_);
-      pos_ = end_;
+      const std::size_t begin = pos_;
+      pos_ = hunt_ = end_;
+      skipping_ = false;
+      if (begin == end_) return false;
+      if (end_ - begin > maxLine_) {
+        ++longLines_;
+        return false;
+      }
+      line = std::string_view(base + begin, end_ - begin);
       return true;
     }
+    passOverLongLine();
     fill();
   }
 }
 
 bool LineReader::nextContaining(std::string_view needle, std::string_view& line) {
-  // A long unfinished line is kept across reads; what of it was searched, or walked for its
-  // start, is not gone over again, so a huge line costs one pass, not one per read.
-  std::size_t searched = 0;  // bytes from pos_ on without a match beginning in them
-  std::size_t plain = 0;     // bytes from pos_ on without a line end
   for (;;) {
     const char* base = buf_.data();
-    const char* from = base + pos_;
-    const char* hit = FindNeedle(from + searched, base + end_, needle);
+    // pos_ is at a line start; bytes before hunt_ were searched already.
+    const std::size_t from = std::max(pos_, hunt_);
+    const void* hit =
+        end_ > from ? memmem(base + from, end_ - from, needle.data(), needle.size()) : nullptr;
+    bool viaNext = hit != nullptr;
+    // The line at pos_ is dropped unread when it ends before the match; still, it counts
+    // among the long lines if it is one.
+    const char* firstEnd = FindLineEnd(base + from, base + end_);
+    const bool dropsFirst =
+        firstEnd < base + end_ && (hit == nullptr || static_cast<const char*>(hit) > firstEnd);
+    if (dropsFirst && static_cast<std::size_t>(firstEnd - (base + pos_)) > maxLine_) ++longLines_;
     if (hit != nullptr) {
-      const char* start = hit;
-      while (start > from + plain && start[-1] != '\n' && start[-1] != '\r') --start;
-      if (start <= from + plain) start = from;
-      pos_ = start - base;
-      return next(line);
+      const char* start = static_cast<const char*>(hit);
+      while (start > base + pos_ && start[-1] != '\n' && start[-1] != '\r') --start;
+      pos_ = scan_ = hunt_ = start - base;
+    } else {
+      if (eof_) {
+        pos_ = scan_ = hunt_ = end_;
+        return false;
+      }
+      // A match may still begin in the last needle-length bytes.
+      hunt_ = std::max(from, end_ + 1 > needle.size() ? end_ + 1 - needle.size() : 0);
+      // Keep only the unfinished last line; a line end can only be among the new bytes.
+      const char* tail = base + end_;
+      while (tail > base + from && tail[-1] != '\n' && tail[-1] != '\r') --tail;
+      if (tail > base + from) pos_ = scan_ = tail - base;
+      hunt_ = std::max(hunt_, pos_);
+      viaNext = passOverLongLine();
     }
-    if (eof_) {
-      pos_ = end_;
-      return false;
+    if (viaNext) {
+      // The line at a match, or the one behind a line passed over for its length.
+      if (!next(line)) return false;
+      if (line.find(needle) != std::string_view::npos) return true;
+      continue;
     }
-    // Keep only the unfinished last line: a match may still begin in it.
-    const char* tail = base + end_;
-    while (tail > from + plain && tail[-1] != '\n' && tail[-1] != '\r') --tail;
-    if (tail <= from + plain) tail = from;
-    pos_ = tail - base;
-    plain = end_ - pos_;
-    searched = plain >= needle.size() ? plain - (needle.size() - 1) : 0;
     fill();
   }
 }

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <optional>
 
-#include "data/line_reader.h"
 #include "data/numbers.h"
 #include "data/text.h"
 
@@ -45,13 +44,23 @@ std::optional<std::string> CoordText(std::string_view degField, std::string_view
 }  // namespace
 
 VorReport LoadVor(Store& store, const std::filesystem::path& file) {
+  LineReader reader;
+  const OpenStatus status = reader.open(file);
+  if (status == OpenStatus::kOpened) return LoadVor(store, reader);
+  store.Vor.clear();
+  store.VorLast = -1;
   VorReport report;
+  report.notRegular = status == OpenStatus::kNotRegular;
+  return report;
+}
+
+VorReport LoadVor(Store& store, LineReader& reader) {
+  VorReport report;
+  report.opened = true;
   store.Vor.clear();
   std::int32_t slot = 0;
-  LineReader reader;
-  report.opened = reader.open(file);
   std::string_view line;
-  while (report.opened && reader.next(line)) {
+  while (reader.next(line)) {
     const auto fields = Split(line, ';');
     if (fields.size() < 8) {
       ++report.skipped;
@@ -74,6 +83,7 @@ VorReport LoadVor(Store& store, const std::filesystem::path& file) {
     row.frequency = fields[7];
   }
   report.readError = reader.failed();
+  report.longLines = reader.longLines();
   store.VorLast = slot - 1;
   return report;
 }

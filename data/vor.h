@@ -3,18 +3,23 @@
 
 #include <filesystem>
 
+#include "data/line_reader.h"
 #include "data/store.h"
 
 namespace velmora {
 
 struct VorReport {
   bool opened = false;
+  bool notRegular = false;  // a folder, device, FIFO or socket rather than a file
   bool readError = false;
-  int skipped = 0;  // lines with fewer than eight fields or no numbers in the position
-  int dropped = 0;  // lines beyond the table's last slot
+  int longLines = 0;  // lines passed over for their length
+  int skipped = 0;    // lines with fewer than eight fields or no numbers in the position
+  int dropped = 0;    // lines beyond the table's last slot
 };
 
 // Fields: 2, 3 longitude degrees and minutes; 4, 5 latitude; 7 ident; 8 frequency.
 VorReport LoadVor(Store& store, const std::filesystem::path& file);
+// The same from a reader already open, on a file or on bytes in memory.
+VorReport LoadVor(Store& store, LineReader& reader);
 
 }  // namespace velmora

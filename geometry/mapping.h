@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "geometry/screen.h"
+
 namespace velmora {
 
 struct View {
@@ -21,6 +23,8 @@ inline constexpr std::int32_t kZoomMin = 2;
 inline constexpr std::int32_t kZoomMax = 50;
 inline constexpr std::int32_t kZoomStep = 2;
 inline constexpr std::int32_t kZoomOnLoad = 16;
+// Clicks move the chart at most this far: the whole world at the closest Zoom.
+inline constexpr std::int32_t kPanLimit = 40000000;
 
 // Pan is not part of the mapping: the painters add it at each point.
 std::int32_t GridToScreenX(const View& view, std::int32_t gridX);

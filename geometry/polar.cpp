@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "data/numbers.h"
+#include "geometry/screen.h"
 
 namespace velmora {
 namespace {
@@ -19,17 +20,17 @@ void PolarOffset(std::int32_t x, std::int32_t y, std::int32_t bearing, double di
   // Each product is rounded by itself; the quadrant alone gives the signs.
   const auto r = [d](std::int32_t angle) { return RoundEven(d * SinDeg(angle)); };
   if (bearing >= 0 && bearing <= 90) {
-    outX = x + r(bearing);
-    outY = y - r(90 - bearing);
+    outX = ScreenAdd(x, r(bearing));
+    outY = ScreenAdd(y, -r(90 - bearing));
   } else if (bearing >= 91 && bearing <= 180) {
-    outX = x + r(180 - bearing);
-    outY = y + r(bearing - 90);
+    outX = ScreenAdd(x, r(180 - bearing));
+    outY = ScreenAdd(y, r(bearing - 90));
   } else if (bearing >= 181 && bearing <= 270) {
-    outX = x - r(bearing - 180);
-    outY = y + r(270 - bearing);
+    outX = ScreenAdd(x, -r(bearing - 180));
+    outY = ScreenAdd(y, r(270 - bearing));
   } else if (bearing >= 271 && bearing <= 360) {
-    outX = x - r(360 - bearing);
-    outY = y - r(bearing - 270);
+    outX = ScreenAdd(x, -r(360 - bearing));
+    outY = ScreenAdd(y, -r(bearing - 270));
   }
 }
 

@@ -3,6 +3,7 @@
 #include <locale>
 
 #include "data/text.h"
+#include "geometry/screen.h"
 
 namespace velmora {
 namespace {
@@ -63,9 +64,9 @@ void SvgCanvas::drawCircle(const Pen& p, std::int32_t x, std::int32_t y, std::in
 void SvgCanvas::drawText(const Pen& p, std::string_view text) {
   // Print places the top of the text at CurrentY; SVG places the baseline, about 0.9 em lower.
   const int em = p.FontSize * 20;
-  body_ << "<text x=\"" << p.CurrentX << "\" y=\"" << p.CurrentY + em * 9 / 10 << "\" font-size=\""
-        << em << '"' << (p.FontBold ? " font-weight=\"bold\"" : "") << " fill=\""
-        << Colour(p.ForeColor) << "\">" << Escape(Cp1252ToUtf8(text)) << "</text>\n";
+  body_ << "<text x=\"" << p.CurrentX << "\" y=\"" << ScreenAdd(p.CurrentY, em * 9 / 10)
+        << "\" font-size=\"" << em << '"' << (p.FontBold ? " font-weight=\"bold\"" : "")
+        << " fill=\"" << Colour(p.ForeColor) << "\">" << Escape(Cp1252ToUtf8(text)) << "</text>\n";
 }
 
 std::string SvgCanvas::document() const {

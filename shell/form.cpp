@@ -5,6 +5,7 @@
 
 #include "charts/charts.h"
 #include "data/extract.h"
+#include "data/files.h"
 #include "data/index_search.h"
 #include "data/numbers.h"
 #include "data/text.h"
@@ -18,8 +19,16 @@ constexpr std::array<std::string_view, 8> kProgress = {
     "searching for ... ",    "searching for .... ",   "searching for ..... ",
     "searching for ...... ", "searching for ....... "};
 
+// "2 lines longer than 16 MB passed over"; empty for none.
+std::string LongLinesText(int count) {
+  if (count == 0) return {};
+  return std::to_string(count) + (count == 1 ? " line" : " lines") + " longer than " +
+         std::to_string(kMaxLineBytes >> 20) + " MB passed over";
+}
+
 std::string VorProblem(const VorReport& r) {
   const std::string file(kVorFileName);
+  if (r.notRegular) return file + " is not a VOR list Velmora can read: the chart shows no VORs";
   if (!r.opened || r.readError) return file + " could not be read: the chart shows no VORs";
   std::string text;
   if (r.skipped > 0) text = std::to_string(r.skipped) + " unreadable lines skipped";
@@ -28,7 +37,16 @@ std::string VorProblem(const VorReport& r) {
     text += std::to_string(r.dropped) + " VORs beyond the first " +
             std::to_string(decltype(Store::Vor)::kHighest + 1) + " dropped";
   }
+  if (r.longLines > 0) {
+    if (!text.empty()) text += ", ";
+    text += LongLinesText(r.longLines);
+  }
   return text.empty() ? text : "Velmora - " + file + ": " + text;
+}
+
+// " - 1 line longer than 16 MB passed over", to follow a caption; empty for none.
+std::string LongLinesNote(int count) {
+  return count == 0 ? std::string{} : " - " + LongLinesText(count);
 }
 
 }  // namespace
@@ -71,6 +89,11 @@ void ArptForm::cmdSearch_Click() {
     setCaption(std::string(kProgress[static_cast<std::size_t>(dots)]) + SearchIdent);
   });
   controls_.txtSearch.text.clear();
+  if (r.notRegular) {
+    setCaption(std::string(kIndexFileName) + " is not an index Velmora can read - no search for " +
+               SearchIdent);
+    return;
+  }
   if (!r.opened || r.readError) {
     setCaption(std::string(kIndexFileName) + " could not be read - no search for " + SearchIdent);
     return;
@@ -78,13 +101,14 @@ void ArptForm::cmdSearch_Click() {
   // An index without lines leaves the last code as it was.
   if (r.found || r.rejected > 0) IndexIdent = r.ident;
   if (!r.found) {
-    setCaption("Sorry, " + SearchIdent + " is not in the Index!");
+    setCaption("Sorry, " + SearchIdent + " is not in the Index!" + LongLinesNote(r.longLines));
     return;
   }
   IndexInfo1 = r.info1;
   IndexInfo2 = r.info2;
   IndexFile = r.file;
-  setCaption(IndexIdent + "-" + IndexInfo1 + "-" + IndexInfo2 + "-" + IndexFile);
+  setCaption(IndexIdent + "-" + IndexInfo1 + "-" + IndexInfo2 + "-" + IndexFile +
+             LongLinesNote(r.longLines));
   controls_.cmdArpt.text = "Show " + IndexIdent + " Chart";
   controls_.cmdArpt.enabled = true;
   controls_.cmbAPP.enabled = false;
@@ -109,15 +133,26 @@ void ArptForm::cmdArpt_Click() {
   controls_.cmbTerm.text = IndexIdent + " Term";
 
   canvas_.Cls();
-  const std::filesystem::path file = dataDir_ / kAirportFolder / IndexFile;
   const std::string shown = std::string(kAirportFolder) + "/" + IndexFile;
-  const ExtractReport report = ExtractArpt(store_, file, SearchIdent);
+  // Only a file below the folder is read; any other name reads as not a file.
+  const auto file = PathBelow(dataDir_ / kAirportFolder, IndexFile);
+  ExtractReport report;
+  if (file) {
+    report = ExtractArpt(store_, *file, SearchIdent);
+  } else {
+    store_.ClearArpt();
+  }
+  if (!file || report.notRegular) {
+    failLoad(shown + " is not an airport file Velmora can read - no chart for " + SearchIdent);
+    return;
+  }
   if (!report.opened || report.readError) {
     failLoad("The airport file " + shown + " could not be read - no chart for " + SearchIdent);
     return;
   }
   if (!report.found) {
-    failLoad("Sorry, " + SearchIdent + " is not in " + shown + " - no chart");
+    failLoad("Sorry, " + SearchIdent + " is not in " + shown + " - no chart" +
+             LongLinesNote(report.longLines));
     return;
   }
   displayArpt();
@@ -129,6 +164,7 @@ void ArptForm::cmdArpt_Click() {
   if (report.dropped.any()) {
     setCaption(controls_.caption + " - tables full, dropped: " + report.dropped.text());
   }
+  if (report.longLines > 0) setCaption(controls_.caption + LongLinesNote(report.longLines));
 }
 
 void ArptForm::failLoad(std::string caption) {
@@ -194,8 +230,12 @@ void ArptForm::picArpt_MouseDown(int /*button*/, int /*shift*/, double x, double
     setCaption("No chart to move yet - search for an airport and show its chart first");
     return;
   }
-  view_.PanX = RoundEven(static_cast<double>(view_.PanX) + kArpScreenX - RoundEven(x));
-  view_.PanY = RoundEven(static_cast<double>(view_.PanY) + kArpScreenY - RoundEven(y));
+  const auto pan = [](std::int32_t pan, std::int32_t centre, double at) {
+    return std::clamp(RoundEven(static_cast<double>(pan) + centre - RoundEven(at)), -kPanLimit,
+                      kPanLimit);
+  };
+  view_.PanX = pan(view_.PanX, kArpScreenX, x);
+  view_.PanY = pan(view_.PanY, kArpScreenY, y);
   redraw();
 }
 
@@ -207,8 +247,8 @@ void ArptForm::showView(std::int32_t zoom, std::int32_t panX, std::int32_t panY)
     view_.Zoom = zoom;
     setZoomCaption("");
   }
-  view_.PanX = panX;
-  view_.PanY = panY;
+  view_.PanX = std::clamp(panX, -kPanLimit, kPanLimit);
+  view_.PanY = std::clamp(panY, -kPanLimit, kPanLimit);
   redraw();
 }
 

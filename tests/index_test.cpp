@@ -234,7 +234,7 @@ TEST(LineReaderSkip, FindsEveryKeyAcrossBufferEdges) {
   const fs::path file = dir.write("keys.txt", text);
   for (const std::size_t chunk : {16u, 17u, 31u, 64u, 1u << 20}) {
     LineReader reader(chunk);
-    ASSERT_TRUE(reader.open(file));
+    ASSERT_EQ(reader.open(file), OpenStatus::kOpened);
     std::vector<std::string> got;
     for (std::string_view line; reader.nextContaining("<Airport ident", line);) {
       got.emplace_back(line);

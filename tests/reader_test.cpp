@@ -135,7 +135,7 @@ TEST(LineReaderTest, LineEndsAcrossTheBufferEdge) {
     const auto file = dir.write("lines.txt", std::string(lead, ' ') + text);
     for (bool skipping : {false, true}) {
       LineReader reader(16);
-      ASSERT_TRUE(reader.open(file));
+      ASSERT_EQ(reader.open(file), OpenStatus::kOpened);
       Lines got;
       std::string_view line;
       while (skipping ? reader.nextContaining("<Airport", line) : reader.next(line))

@@ -1,0 +1,240 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <climits>
+#include <fstream>
+#include <future>
+#include <string>
+#include <vector>
+
+#include "data/files.h"
+#include "data/line_reader.h"
+#include "geometry/polar.h"
+#include "test_support.h"
+
+namespace velmora::test {
+namespace {
+
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
+
+struct Read {
+  Lines lines;
+  int longLines = 0;
+  bool operator==(const Read&) const = default;
+  friend void PrintTo(const Read& r, std::ostream* out) {
+    *out << r.longLines << " long;";
+    for (const auto& line : r.lines) *out << " [" << line << "]";
+  }
+};
+
+Read ReadAll(LineReader& reader, std::string_view needle = {}) {
+  Read r;
+  std::string_view line;
+  while (needle.empty() ? reader.next(line) : reader.nextContaining(needle, line))
+    r.lines.emplace_back(line);
+  r.longLines = reader.longLines();
+  return r;
+}
+
+Read FromMemory(std::string_view bytes, std::size_t chunk, std::size_t maxLine,
+                std::string_view needle = {}) {
+  LineReader reader(chunk, maxLine);
+  reader.openMemory(bytes);
+  return ReadAll(reader, needle);
+}
+
+TEST(LineReaderTest, SameLinesFromMemoryAndFileAtEveryBufferSize) {
+  // Lines of every length from 0 to 12 with every kind of end, so that some end, and some CR
+  // of a CR LF, falls on the last byte of the buffer at each buffer size.
+  const char* ends[] = {"\r\n", "\r", "\n"};
+  std::string text;
+  Lines expected;
+  for (int n = 0; n <= 12; ++n) {
+    expected.push_back(std::string(static_cast<std::size_t>(n), static_cast<char>('a' + n)));
+    text += expected.back() + ends[n % 3];
+  }
+  text += "last";
+  expected.emplace_back("last");
+  TempDir dir;
+  const fs::path file = dir.write("lines.txt", text);
+  for (std::size_t chunk = 16; chunk <= 40; ++chunk) {
+    SCOPED_TRACE(chunk);
+    EXPECT_EQ(FromMemory(text, chunk, kMaxLineBytes), (Read{expected, 0}));
+    LineReader reader(chunk);
+    ASSERT_EQ(reader.open(file), OpenStatus::kOpened);
+    EXPECT_EQ(ReadAll(reader), (Read{expected, 0}));
+  }
+}
+
+TEST(LineReaderTest, LinesOverTheLimitArePassedOverWhole) {
+  const std::string x20(20, 'x'), x31(31, 'x');
+  struct Case {
+    std::string text, needle;
+    Read read;
+  } cases[] = {
+      {"short\r\n" + x20 + "\r\nafter", "", {{"short", "after"}, 1}},
+      {x20, "", {{}, 1}},
+      {"12345678\n123456789\nnext", "", {{"12345678", "next"}, 1}},
+      // The CR of the long line's CR LF is the buffer's last byte: no empty line behind it.
+      {x31 + "\r\nz", "", {{"z"}, 1}},
+      {x20 + "\n" + x20 + "\r\n\r\n", "", {{""}, 2}},
+      {"aaaa\nbKEYb\nKEY", "KEY", {{"bKEYb", "KEY"}, 0}},
+      {x20 + "KEY\nKEY2\nno", "KEY", {{"KEY2"}, 1}},
+      // The needle straddles the end of the first buffer.
+      {"012345\n012345\n0KEY\n", "KEY", {{"0KEY"}, 0}},
+      // Lines passed over on the way to a match count too.
+      {"0123456789\n1234KEY\n", "KEY", {{"1234KEY"}, 1}},
+      {x20 + "\n" + x20 + "\nKEYa", "KEY", {{"KEYa"}, 2}},
+      {"aaa\nbbb", "KEY", {{}, 0}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(FromMemory(c.text, 16, 8, c.needle), c.read);
+  }
+}
+
+TEST(FilesTest, OnlyRegularFilesOpenAndNeverBlock) {
+  TempDir dir;
+  const fs::path p = dir.path();
+  dir.write("f.txt", "x");
+  ASSERT_EQ(mkfifo((p / "fifo").c_str(), 0600), 0);
+  fs::create_directory(p / "dir");
+  fs::create_symlink(p / "f.txt", p / "toFile");
+  fs::create_symlink(p / "fifo", p / "toFifo");
+  fs::create_symlink(p / "none", p / "dangling");
+  const std::pair<fs::path, OpenStatus> cases[] = {
+      {p / "f.txt", OpenStatus::kOpened},        {p / "toFile", OpenStatus::kOpened},
+      {p / "fifo", OpenStatus::kNotRegular},     {p / "toFifo", OpenStatus::kNotRegular},
+      {p / "dir", OpenStatus::kNotRegular},      {"/dev/zero", OpenStatus::kNotRegular},
+      {p / "dangling", OpenStatus::kUnreadable}, {p / "none", OpenStatus::kUnreadable},
+  };
+  for (const auto& [path, status] : cases) {
+    SCOPED_TRACE(path);
+    LineReader reader;
+    auto opened = std::async(std::launch::async, [&] { return reader.open(path); });
+    if (opened.wait_for(std::chrono::seconds(2)) == std::future_status::timeout) {
+      ADD_FAILURE() << "open blocks";
+      // A writer lets the blocked open return.
+      close(open((p / "fifo").c_str(), O_WRONLY | O_NONBLOCK));
+    }
+    EXPECT_EQ(opened.get(), status);
+    // Reading /dev/zero would never end: only what should open is read.
+    std::string_view line;
+    if (status == OpenStatus::kOpened) {
+      EXPECT_TRUE(reader.next(line));
+    }
+  }
+}
+
+TEST(FilesTest, AirportFileNamesStayBelowTheFolder) {
+  const std::pair<std::string_view, std::string> cases[] = {
+      {"a.txt", "F/a.txt"},
+      {"sub/../a.txt", "F/a.txt"},
+      {"./s/a.txt", "F/s/a.txt"},
+      {"../a.txt", ""},
+      {"sub/../../a.txt", ""},
+      {"/dev/zero", ""},
+      {"", ""},
+      {"..", ""},
+  };
+  for (const auto& [name, expected] : cases) {
+    const auto path = PathBelow("F", name);
+    EXPECT_EQ(path ? path->string() : "", expected) << name;
+  }
+}
+
+// The sample data in a temp folder, with extra index lines.
+struct World {
+  TempDir dir;
+  explicit World(std::string_view extraIndex = {}) {
+    fs::copy(SampleDir(), dir.path(), fs::copy_options::recursive);
+    std::ofstream(dir.path() / "Arpt index.txt", std::ios::app) << extraIndex;
+  }
+};
+
+long DrawnCount(const Lines& trace) {
+  return static_cast<long>(Filter(trace, "line").size() + Filter(trace, "circle").size());
+}
+
+TEST(FilesTest, FilesThatAreNotFilesGiveACaptionAndNoChart) {
+  World w("XFIF;a;b;fifo.txt\r\nXZER;a;b;/dev/zero\r\nXUP;a;b;../vor.nav\r\nXDIR;a;b;.\r\n");
+  ASSERT_EQ(mkfifo((w.dir.path() / "FSXFiles/fifo.txt").c_str(), 0600), 0);
+  Harness h(w.dir.path());
+  const std::pair<std::string, std::string> cases[] = {
+      {"XFIF", "FSXFiles/fifo.txt"},
+      {"XZER", "FSXFiles//dev/zero"},
+      {"XUP", "FSXFiles/../vor.nav"},
+      {"XDIR", "FSXFiles/."},
+  };
+  for (const auto& [code, shown] : cases) {
+    h.load("XWHL");
+    h.takeTrace();
+    h.load(code);
+    EXPECT_EQ(h.form().controls().caption,
+              shown + " is not an airport file Velmora can read - no chart for " + code);
+    EXPECT_FALSE(h.store().hasAirport()) << code;
+    EXPECT_EQ(DrawnCount(h.takeTrace()), 0) << code;
+    EXPECT_FALSE(h.form().controls().cmbAPP.enabled) << code;
+  }
+  // A good load afterwards works as if the bad ones never came.
+  Harness fresh(w.dir.path());
+  fresh.load("XWHL");
+  const Lines good = fresh.takeTrace();
+  h.load("XWHL");
+  EXPECT_EQ(h.takeTrace(), good);
+}
+
+TEST(FilesTest, IndexAndVorListThatAreNotFiles) {
+  World w;
+  fs::remove(w.dir.path() / "Arpt index.txt");
+  ASSERT_EQ(mkfifo((w.dir.path() / "Arpt index.txt").c_str(), 0600), 0);
+  fs::remove(w.dir.path() / "vor.nav");
+  fs::create_directory(w.dir.path() / "vor.nav");
+  Harness h(w.dir.path());
+  EXPECT_EQ(h.form().controls().caption,
+            "vor.nav is not a VOR list Velmora can read: the chart shows no VORs");
+  h.form().setSearchText("XWHL");
+  h.form().cmdSearch_Click();
+  EXPECT_EQ(h.form().controls().caption,
+            "Arpt index.txt is not an index Velmora can read - no search for XWHL");
+  EXPECT_FALSE(h.form().controls().cmdArpt.enabled);
+}
+
+TEST(FilesTest, TheAirportFolderMayBeALinkToAFolderElsewhere) {
+  World data, elsewhere;
+  fs::remove_all(data.dir.path() / "FSXFiles");
+  fs::create_directory_symlink(elsewhere.dir.path() / "FSXFiles", data.dir.path() / "FSXFiles");
+  Harness h(data.dir.path());
+  h.load("XWHL");
+  EXPECT_TRUE(h.store().hasAirport());
+  EXPECT_EQ(h.form().controls().caption,
+            "XWHL-WhitlowHarborInternational-Westmark-sample_west.txt");
+}
+
+TEST(ScreenTest, SumsSaturateAtThe32BitEnds) {
+  EXPECT_EQ(ScreenAdd(INT_MAX, 1), INT_MAX);
+  EXPECT_EQ(ScreenAdd(INT_MIN, -1), INT_MIN);
+  EXPECT_EQ(ScreenAdd(INT_MAX, INT_MIN), -1);
+  EXPECT_EQ(ScreenAdd(7000, -7200), -200);
+  std::int32_t x = 0, y = 0;
+  PolarOffset(INT_MAX, INT_MIN, 45, 1.0, x, y);
+  EXPECT_EQ(x, INT_MAX);
+  EXPECT_EQ(y, INT_MIN);
+}
+
+TEST(ScreenTest, PanIsHeldWithinReach) {
+  Harness h(SampleDir());
+  h.load("XWHL");
+  const std::pair<double, std::int32_t> clicks[] = {
+      {-1e9, kPanLimit}, {-1e9, kPanLimit}, {1e12, -kPanLimit}, {7000 - kPanLimit, 0}};
+  for (const auto& [x, pan] : clicks) {
+    h.form().picArpt_MouseDown(1, 0, x, 5000);
+    EXPECT_EQ(h.form().view().PanX, pan) << x;
+  }
+}
+
+}  // namespace
+}  // namespace velmora::test
