@@ -18,16 +18,19 @@
 namespace velmora {
 namespace {
 
+// Fine enough that a line of one pixel keeps its look when printed.
+constexpr int kPdfDpi = 1200;
+
 void SetUpPdf(QPdfWriter& writer, QPageSize::PageSizeId size, const QString& title) {
   writer.setPageLayout(
       QPageLayout(QPageSize(size), QPageLayout::Landscape, QMarginsF(10, 10, 10, 10)));
-  writer.setResolution(1200);
+  writer.setResolution(kPdfDpi);
   writer.setTitle(title);
 }
 
-void PaintPage(QPainter& painter, const QPdfWriter& writer, const RecordingCanvas& picture) {
-  PaintPicture(painter, picture, QRectF(0, 0, writer.width(), writer.height()),
-               writer.resolution());
+void PaintPage(QPainter& painter, const QPdfWriter& writer, const RecordingCanvas& picture,
+               QtCanvas& canvas) {
+  PaintPicture(painter, picture, QRectF(0, 0, writer.width(), writer.height()), canvas);
 }
 
 bool WritePdf(const RecordingCanvas& picture, const QString& path) {
@@ -35,7 +38,8 @@ bool WritePdf(const RecordingCanvas& picture, const QString& path) {
   SetUpPdf(writer, QPageSize::A4, QStringLiteral("Velmora chart - not for real navigation"));
   QPainter painter;
   if (!painter.begin(&writer)) return false;
-  PaintPage(painter, writer, picture);
+  QtCanvas canvas(&painter, 96.0 / writer.resolution());
+  PaintPage(painter, writer, picture, canvas);
   return painter.end();
 }
 
@@ -90,7 +94,7 @@ class KitPdf final : public KitDocument {
       err << "velmora-chart: cannot write the pages to " << pages_.parent_path().string() << "\n";
       return false;
     }
-    PaintPage(painter_, writer_, *page.picture);
+    PaintPage(painter_, writer_, *page.picture, canvas_);
     marks_.push_back({page.title, page.row < 0});
     return true;
   }
@@ -146,6 +150,8 @@ class KitPdf final : public KitDocument {
   std::filesystem::path pages_;
   QPdfWriter writer_;
   QPainter painter_;
+  // One canvas for every page: most labels come again on each page, laid out once.
+  QtCanvas canvas_{&painter_, 96.0 / kPdfDpi};
   std::vector<Mark> marks_;
 };
 
@@ -153,6 +159,12 @@ class KitPdf final : public KitDocument {
 
 void PaintPicture(QPainter& painter, const RecordingCanvas& picture, const QRectF& area,
                   double dpi) {
+  QtCanvas canvas(&painter, 96.0 / dpi);
+  PaintPicture(painter, picture, area, canvas);
+}
+
+void PaintPicture(QPainter& painter, const RecordingCanvas& picture, const QRectF& area,
+                  QtCanvas& canvas) {
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
   // The canvas counts screen pixels; fit them to the area.
@@ -162,7 +174,6 @@ void PaintPicture(QPainter& painter, const RecordingCanvas& picture, const QRect
   painter.translate(area.topLeft());
   painter.scale(fit, fit);
   painter.setClipRect(QRectF(0, 0, Canvas::Width / pixels, Canvas::Height / pixels));
-  QtCanvas canvas(&painter, 96.0 / dpi);
   picture.replay(canvas);
   painter.restore();
 }

@@ -10,6 +10,7 @@
 
 #include "geometry/canvas.h"
 #include "shell/chart_run.h"
+#include "shell/qt/qt_canvas.h"
 
 namespace velmora {
 
@@ -21,6 +22,9 @@ bool WritePicture(const RecordingCanvas& picture, const std::filesystem::path& p
 // the sheet; `dpi` is the device's resolution, which sets the font size. PDF pages and printers.
 void PaintPicture(QPainter& painter, const RecordingCanvas& picture, const QRectF& area,
                   double dpi);
+// The same onto a canvas kept from page to page, set up for `painter` and the device's dpi.
+void PaintPicture(QPainter& painter, const RecordingCanvas& picture, const QRectF& area,
+                  QtCanvas& canvas);
 
 // A kit PDF for velmora-chart: landscape pages of `options.page` (else the locale's paper,
 // else A4), each chart in vector, and a bookmark per airport with one per approach below it.
