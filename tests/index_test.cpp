@@ -72,7 +72,7 @@ std::vector<WorldAirport> MakeWorld(const TempDir& dir) {
   for (const auto& [file, text] : files) dir.write("FSXFiles/" + file, text);
   dir.write("FSXFiles/empty.txt", "");
   dir.write("FSXFiles/below/deep.txt", AirportText("XDEP", "Deep", "Deep", false, true));
-  dir.write("FSXFiles/binary.bin", std::string("\0\x01\xff\r\0<Airport", 15));
+  dir.write("FSXFiles/binary.bin", std::string("\0\x01\xff\r\0<Airport", 13));
   return world;
 }
 
