@@ -282,8 +282,7 @@ TEST(WindowInput, ListsReadablePrintAndSaveAsOnScreen) {
   p.key(Qt::Key_P, Qt::ControlModifier);
   p.key(Qt::Key_S, Qt::ControlModifier);
   EXPECT_EQ(asked, 0);
-  EXPECT_TRUE(p.w.windowTitle().startsWith("No chart to save yet"))
-      << p.w.windowTitle().toStdString();
+  EXPECT_EQ(p.w.windowTitle().left(20), "No chart to save yet");
 
   p.load("XWHL");
   const QImage loaded = p.w.chart()->image().copy();
@@ -347,7 +346,7 @@ TEST(WindowInput, ListsReadablePrintAndSaveAsOnScreen) {
   // A folder that can't be written: said in the caption, nothing left behind.
   choice = SaveChoice{in("nowhere/x.png"), 1};
   p.key(Qt::Key_S, Qt::ControlModifier);
-  EXPECT_TRUE(p.w.windowTitle().startsWith("Could not write")) << p.w.windowTitle().toStdString();
+  EXPECT_EQ(p.w.windowTitle().left(15), "Could not write");
   p.shot("save-failed");
 }
 
