@@ -7,11 +7,9 @@ namespace {
 
 // Right edge in pixels of what differs from the background, -1 for an empty picture.
 int RightEdge(const QImage& image) {
-  for (int x = image.width() - 1; x >= 0; --x) {
-    for (int y = 0; y < image.height(); ++y) {
+  for (int x = image.width() - 1; x >= 0; --x)
+    for (int y = 0; y < image.height(); ++y)
       if (image.pixel(x, y) != qRgb(212, 208, 200)) return x;
-    }
-  }
   return -1;
 }
 
@@ -26,24 +24,22 @@ TEST(QtCanvas, WarningEndsLeftOfTheScale) {
   RasterCanvas c;
   c.pen.CurrentX = 200, c.pen.CurrentY = 9900, c.pen.FontSize = 8;
   c.Print("DO NOT USE FOR REAL NAVIGATION! FSX ONLY     NM SCALE ->");
-  // A screen pixel is 15 twips; the scale starts at 6000.
-  EXPECT_GT(RightEdge(c.image()) * 15, 3000);
-  EXPECT_LT(RightEdge(c.image()) * 15, 6000);
+  const int right = RightEdge(c.image()) * 15;         // a screen pixel is 15 twips
+  EXPECT_TRUE(right > 3000 && right < 6000) << right;  // the scale starts at 6000
 }
 
 TEST(QtCanvas, DotsOnlyAtWidthOneAndClsKeepsThePen) {
   EXPECT_GT(RightEdge(Render(1, kDotted, false)), 0);
   EXPECT_NE(Render(1, kDotted, false), Render(1, 0, false));
-  EXPECT_EQ(Render(2, kDotted, false), Render(2, 0, false));
-  EXPECT_EQ(Render(2, kDotted, true), Render(2, 0, true));
+  for (bool circle : {false, true}) EXPECT_EQ(Render(2, kDotted, circle), Render(2, 0, circle));
   RasterCanvas c;
   c.pen = Pen{kRed, 5, kDotted, 14, true, 300, 400};
   c.Line(0, 0, Canvas::Width, Canvas::Height);
   c.Cls();
-  const Pen& p = c.pen;
   EXPECT_EQ(RightEdge(c.image()), -1);
-  EXPECT_TRUE(p.ForeColor == kRed && p.DrawWidth == 5 && p.DrawStyle == kDotted);
-  EXPECT_TRUE(p.FontSize == 14 && p.FontBold && p.CurrentX == 0 && p.CurrentY == 0);
+  const Pen& p = c.pen;
+  EXPECT_TRUE(p.ForeColor == kRed && p.DrawWidth == 5 && p.DrawStyle == kDotted &&
+              p.FontSize == 14 && p.FontBold && p.CurrentX == 0 && p.CurrentY == 0);
 }
 
 }  // namespace
