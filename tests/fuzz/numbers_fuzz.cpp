@@ -3,9 +3,9 @@
 
 #include "charts/charts.h"
 #include "data/decoders.h"
+#include "data/numbers.h"
 #include "data/text.h"
 #include "geometry/coords.h"
-#include "geometry/numbers.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace velmora;
