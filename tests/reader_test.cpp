@@ -145,7 +145,8 @@ TEST_F(ExtractTest, RunwaySlotsWalkInStepsOfTwo) {
   // Each line behind </Runway> moves the runway slot on by one.
   for (int blanks : {0, 1, 2}) {
     Load(Airport(Runway("07", "NONE", "3000.0M", blanks) + r2));
-    EXPECT_EQ(store.RwyEnd[blanks + 1].length, "2500.0M") << blanks;
+    EXPECT_EQ(store.RwyEnd[blanks + 1].length + store.RwyEnd[blanks + 1].designator, "2500.0MLEFT")
+        << blanks;
   }
 }
 
