@@ -99,7 +99,7 @@ TEST(LineReaderTest, LinesOverTheLimitArePassedOverWhole) {
       // The needle straddles the end of the first buffer.
       {"012345\n012345\n0KEY\n", "KEY", {{"0KEY"}, 0}},
       // Lines passed over on the way to a match count too.
-      {"0123456789\n1234KEY\n", "KEY", {{"1234KEY"}, 1}},
+      {"0123456789\r1234KEY\n", "KEY", {{"1234KEY"}, 1}},
       {x20 + "\n" + x20 + "\nKEYa", "KEY", {{"KEYa"}, 2}},
       {"aaa\nbbb", "KEY", {{}, 0}},
   };
