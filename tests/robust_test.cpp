@@ -7,10 +7,12 @@
 #include <fstream>
 #include <future>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "data/files.h"
 #include "data/line_reader.h"
+#include "data/text.h"
 #include "geometry/polar.h"
 #include "test_support.h"
 
@@ -46,26 +48,37 @@ Read FromMemory(std::string_view bytes, std::size_t chunk, std::size_t maxLine,
   return ReadAll(reader, needle);
 }
 
+// Groups of four lines: one of each length from 0 to 12, a key at a shifting place, a near
+// miss, an empty line. Ends follow 22001102100, so empty lines end in each kind of end behind
+// each kind (but LF behind CR, which is a CR LF), and at each buffer size some end, some CR of
+// a CR LF and some key falls across the buffer's edge. File and memory give the same lines.
 TEST(LineReaderTest, SameLinesFromMemoryAndFileAtEveryBufferSize) {
-  // Lines of every length from 0 to 12 with every kind of end, so that some end, and some CR
-  // of a CR LF, falls on the last byte of the buffer at each buffer size.
   const char* ends[] = {"\r\n", "\r", "\n"};
   std::string text;
-  Lines expected;
-  for (int n = 0; n <= 12; ++n) {
-    expected.push_back(std::string(static_cast<std::size_t>(n), static_cast<char>('a' + n)));
-    text += expected.back() + ends[n % 3];
+  Lines all, keyed;
+  for (std::size_t n = 0; n < 31; ++n) {
+    keyed.push_back(std::string(n * 7 % 71, n % 2 ? ' ' : 'x') + "<Airport ident=\"" +
+                    std::to_string(n) + "\"");
+    for (const std::string& line :
+         {std::string(n % 13, static_cast<char>('a' + n % 13)), keyed.back(),
+          std::string(n % 23, ' ') + "<Airport iden", std::string()}) {
+      all.push_back(line);
+      text += line + ends["22001102100"[all.size() % 11] - '0'];
+    }
   }
   text += "last";
-  expected.emplace_back("last");
+  all.emplace_back("last");
   TempDir dir;
   const fs::path file = dir.write("lines.txt", text);
   for (std::size_t chunk = 16; chunk <= 40; ++chunk) {
-    SCOPED_TRACE(chunk);
-    EXPECT_EQ(FromMemory(text, chunk, kMaxLineBytes), (Read{expected, 0}));
-    LineReader reader(chunk);
-    ASSERT_EQ(reader.open(file), OpenStatus::kOpened);
-    EXPECT_EQ(ReadAll(reader), (Read{expected, 0}));
+    for (const auto& [needle, want] : {std::pair{"", all}, {"<Airport ident", keyed}}) {
+      SCOPED_TRACE(::testing::Message() << chunk << needle);
+      EXPECT_EQ(FromMemory(text, chunk, kMaxLineBytes, needle), (Read{want, 0}));
+      LineReader reader(chunk);
+      ASSERT_EQ(reader.open(file), OpenStatus::kOpened);
+      EXPECT_EQ(ReadAll(reader, needle), (Read{want, 0}));
+      EXPECT_FALSE(reader.failed());
+    }
   }
 }
 
@@ -86,7 +99,7 @@ TEST(LineReaderTest, LinesOverTheLimitArePassedOverWhole) {
       // The needle straddles the end of the first buffer.
       {"012345\n012345\n0KEY\n", "KEY", {{"0KEY"}, 0}},
       // Lines passed over on the way to a match count too.
-      {"0123456789\n1234KEY\n", "KEY", {{"1234KEY"}, 1}},
+      {"0123456789\r1234KEY\n", "KEY", {{"1234KEY"}, 1}},
       {x20 + "\n" + x20 + "\nKEYa", "KEY", {{"KEYa"}, 2}},
       {"aaa\nbbb", "KEY", {{}, 0}},
   };
@@ -130,19 +143,13 @@ TEST(FilesTest, OnlyRegularFilesOpenAndNeverBlock) {
 }
 
 TEST(FilesTest, AirportFileNamesStayBelowTheFolder) {
-  const std::pair<std::string_view, std::string> cases[] = {
-      {"a.txt", "F/a.txt"},
-      {"sub/../a.txt", "F/a.txt"},
-      {"./s/a.txt", "F/s/a.txt"},
-      {"../a.txt", ""},
-      {"sub/../../a.txt", ""},
-      {"/dev/zero", ""},
-      {"", ""},
-      {"..", ""},
-  };
-  for (const auto& [name, expected] : cases) {
-    const auto path = PathBelow("F", name);
-    EXPECT_EQ(path ? path->string() : "", expected) << name;
+  // Name=path below "F" (empty: none).
+  for (std::string_view c :
+       Split("a.txt=F/a.txt sub/../a.txt=F/a.txt ./s/a.txt=F/s/a.txt ../a.txt= "
+             "sub/../../a.txt= /dev/zero= = ..=",
+             ' ')) {
+    const auto path = PathBelow("F", c.substr(0, c.find('=')));
+    EXPECT_EQ(path ? path->string() : "", c.substr(c.find('=') + 1)) << c;
   }
 }
 
@@ -159,22 +166,28 @@ long DrawnCount(const Lines& trace) {
   return static_cast<long>(Filter(trace, "line").size() + Filter(trace, "circle").size());
 }
 
+// Index lines that name a FIFO, /dev/zero, a way up and the folder itself; the airport
+// folder is a link to a folder elsewhere.
 TEST(FilesTest, FilesThatAreNotFilesGiveACaptionAndNoChart) {
-  World w("XFIF;a;b;fifo.txt\r\nXZER;a;b;/dev/zero\r\nXUP;a;b;../vor.nav\r\nXDIR;a;b;.\r\n");
+  const auto cases = Split("XFIF=fifo.txt XZER=/dev/zero XUP=../vor.nav XDIR=.", ' ');
+  std::string index;
+  for (std::string_view c : cases) {
+    index += std::string(c.substr(0, c.find('='))) + ";a;b;" +
+             std::string(c.substr(c.find('=') + 1)) + "\r\n";
+  }
+  World w(index), elsewhere;
+  fs::remove_all(w.dir.path() / "FSXFiles");
+  fs::create_directory_symlink(elsewhere.dir.path() / "FSXFiles", w.dir.path() / "FSXFiles");
   ASSERT_EQ(mkfifo((w.dir.path() / "FSXFiles/fifo.txt").c_str(), 0600), 0);
   Harness h(w.dir.path());
-  const std::pair<std::string, std::string> cases[] = {
-      {"XFIF", "FSXFiles/fifo.txt"},
-      {"XZER", "FSXFiles//dev/zero"},
-      {"XUP", "FSXFiles/../vor.nav"},
-      {"XDIR", "FSXFiles/."},
-  };
-  for (const auto& [code, shown] : cases) {
+  for (std::string_view c : cases) {
+    const std::string code(c.substr(0, c.find('=')));
     h.load("XWHL");
     h.takeTrace();
     h.load(code);
     EXPECT_EQ(h.form().controls().caption,
-              shown + " is not an airport file Velmora can read - no chart for " + code);
+              "FSXFiles/" + std::string(c.substr(c.find('=') + 1)) +
+                  " is not an airport file Velmora can read - no chart for " + code);
     EXPECT_FALSE(h.store().hasAirport()) << code;
     EXPECT_EQ(DrawnCount(h.takeTrace()), 0) << code;
     EXPECT_FALSE(h.form().controls().cmbAPP.enabled) << code;
@@ -185,6 +198,8 @@ TEST(FilesTest, FilesThatAreNotFilesGiveACaptionAndNoChart) {
   const Lines good = fresh.takeTrace();
   h.load("XWHL");
   EXPECT_EQ(h.takeTrace(), good);
+  EXPECT_EQ(h.form().controls().caption,
+            "XWHL-WhitlowHarborInternational-Westmark-sample_west.txt");
 }
 
 TEST(FilesTest, IndexAndVorListThatAreNotFiles) {
@@ -203,26 +218,15 @@ TEST(FilesTest, IndexAndVorListThatAreNotFiles) {
   EXPECT_FALSE(h.form().controls().cmdArpt.enabled);
 }
 
-TEST(FilesTest, TheAirportFolderMayBeALinkToAFolderElsewhere) {
-  World data, elsewhere;
-  fs::remove_all(data.dir.path() / "FSXFiles");
-  fs::create_directory_symlink(elsewhere.dir.path() / "FSXFiles", data.dir.path() / "FSXFiles");
-  Harness h(data.dir.path());
-  h.load("XWHL");
-  EXPECT_TRUE(h.store().hasAirport());
-  EXPECT_EQ(h.form().controls().caption,
-            "XWHL-WhitlowHarborInternational-Westmark-sample_west.txt");
-}
-
 TEST(ScreenTest, SumsSaturateAtThe32BitEnds) {
-  EXPECT_EQ(ScreenAdd(INT_MAX, 1), INT_MAX);
-  EXPECT_EQ(ScreenAdd(INT_MIN, -1), INT_MIN);
-  EXPECT_EQ(ScreenAdd(INT_MAX, INT_MIN), -1);
-  EXPECT_EQ(ScreenAdd(7000, -7200), -200);
+  const int sums[] = {INT_MAX, 1,       INT_MAX, INT_MIN, -1,    INT_MIN,
+                      INT_MAX, INT_MIN, -1,      7000,    -7200, -200};
+  for (std::size_t i = 0; i < std::size(sums); i += 3) {
+    EXPECT_EQ(ScreenAdd(sums[i], sums[i + 1]), sums[i + 2]) << i;
+  }
   std::int32_t x = 0, y = 0;
   PolarOffset(INT_MAX, INT_MIN, 45, 1.0, x, y);
-  EXPECT_EQ(x, INT_MAX);
-  EXPECT_EQ(y, INT_MIN);
+  EXPECT_EQ(std::tie(x, y), std::tuple(INT_MAX, INT_MIN));
 }
 
 TEST(ScreenTest, PanIsHeldWithinReach) {
