@@ -14,10 +14,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   LonToGrid(text);
   LatToGrid(text);
   MetersToFeet(text);
-  LonDegrees(text);
-  LonMinutes(text);
-  LatDegrees(text);
-  LatMinutes(text);
   VariationText(text);
   std::string_view line = text;
   AttrKey(line);
