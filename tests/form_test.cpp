@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <tuple>
 
 #include "data/text.h"
 #include "geometry/svg_canvas.h"
@@ -10,8 +11,6 @@
 
 namespace velmora::test {
 namespace {
-
-using Lines = std::vector<std::string>;
 
 // XTST at N10 00.00 E10 00.00, behind another airport; at Zoom 16 a minute is 225 twips.
 // GPS 9: WPA (6100,4100) to RW09 (6550,5000), transitions VOR VOA and INT WPA. VOR 27: VOA.
@@ -38,14 +37,9 @@ void WriteWorld(const TempDir& d, bool index = true, bool vor = true) {
   d.write("FSXFiles/x.txt", CrLf(lines));
 }
 
-long Count(const Lines& t, std::string_view part) {
-  return std::ranges::count_if(t, [&](auto& l) { return l.find(part) != l.npos; });
-}
 // What was drawn: the trace without its captions.
-Lines Drawn(const Lines& t) {
-  Lines d;
-  std::ranges::copy_if(t, std::back_inserter(d), [](auto& l) { return !l.starts_with("caption"); });
-  return d;
+Lines Drawn(Lines t) {
+  return std::erase_if(t, [](auto& l) { return l.starts_with("caption"); }), t;
 }
 
 // caption|txtSearch|enabled flags|cmdArpt|cmdZoom|cmbAPP|its rows|cmbTerm|its rows; the flags
@@ -54,9 +48,8 @@ std::string Describe(const Controls& c) {
   std::string text = c.caption + "|" + c.txtSearch.text + "|";
   for (bool on : {c.txtSearch.enabled, c.cmdSearch.enabled, c.cmdExit.enabled, c.cmdArpt.enabled,
                   c.cmdZoom.enabled, c.cmdPlus.enabled, c.cmdMinus.enabled, c.cmbAPP.enabled,
-                  c.cmbTerm.enabled}) {
+                  c.cmbTerm.enabled})
     text += on ? '1' : '0';
-  }
   text += "|" + c.cmdArpt.text + "|" + c.cmdZoom.text;
   for (const ComboBox* box : {&c.cmbAPP, &c.cmbTerm}) {
     text += "|" + box->text + "|";
@@ -86,26 +79,21 @@ TEST(Form, ControlStatesAlongTheRoad) {
   f.cmbAPP_Click(0);
   EXPECT_EQ(state(), kFound + "||111111111" + picked);
   EXPECT_EQ(Count(h.takeTrace(), "line 6100 4100 6550 5000 0,128,0 2 0"), 1);
-  f.setSearchText("zzzz");
-  f.cmdSearch_Click();
+  f.setSearchText("zzzz"), f.cmdSearch_Click();
   EXPECT_EQ(state(), "Sorry, ZZZZ is not in the Index!||111100011" + picked);
   EXPECT_EQ(Drawn(h.takeTrace()), Lines{"cls"});
-  f.setSearchText("xtst");
-  f.cmdSearch_Click();
+  f.setSearchText("xtst"), f.cmdSearch_Click();
   EXPECT_EQ(state(), kFound + "||111100001" + picked);
 }
 
 TEST(Form, SearchProgressEvery3000RejectedLines) {
   TempDir d;
   WriteWorld(d);
-  Lines index;
-  for (int i = 0; i < 19999; ++i) index.push_back("F" + std::to_string(i) + ";a;b;x.txt");
+  Lines index(19999, "F;a;b;x.txt"), want;
   index.push_back("XTST;Info One;Info Two;x.txt");  // line 20,000
   d.write("Arpt index.txt", CrLf(index));
-  Harness h(d.path());
-  h.form().setSearchText("xtst");
+  Harness h(d.path(), "xtst");
   h.form().cmdSearch_Click();
-  Lines want;
   for (int dots = 0; dots <= 6; ++dots)
     want.push_back("caption searching for " + std::string(dots, '.') + (dots ? " " : "") + "XTST");
   want.push_back("caption " + kFound);
@@ -126,22 +114,29 @@ TEST(Form, RedrawsOfAPickedChartClickZoomAndReset) {
   f.picArpt_MouseDown(1, 0, 7000.5, 4999.5);  // ties to even: 7000, 5000 moves nothing
   EXPECT_EQ(std::pair(f.view().PanX, f.view().PanY), std::pair(-204, 4));
   t = h.takeTrace();
-  EXPECT_EQ(Count(t, "cls"), 3);
-  EXPECT_EQ(Count(t, "ARP"), 3);
-  EXPECT_EQ(Count(t, "circle 6796 5004 3000 192,192,0"), 2);
-  EXPECT_EQ(Count(t, "line 6800 5000 7200 5000 192,192,0"), 3);  // the cross stays
+  EXPECT_EQ(
+      std::tuple(Count(t, "cls"), Count(t, "ARP"), Count(t, "circle 6796 5004 3000 192,192,0"),
+                 Count(t, "line 6800 5000 7200 5000 192,192,0")),  // the cross stays
+      std::tuple(3, 3, 2, 3));
   EXPECT_TRUE(t.back().starts_with("line ") && t.back().ends_with(" 0,128,0 2 0")) << t.back();
-  f.cmdPlus_Click();
-  EXPECT_EQ(Count(h.takeTrace(), "circle 6796 5004 3429 192,192,0"), 1);  // the pan stays
-  f.cmdZoom_Click();
-  EXPECT_EQ(f.controls().cmdZoom.text, "Reset Position\rZoom Level=14");  // the zoom stays
-  EXPECT_EQ(Count(h.takeTrace(), "circle 7000 5000 3429 192,192,0"), 1);
-  for (int i = 0; i < 7; ++i) f.cmdPlus_Click();
-  EXPECT_EQ(f.controls().cmdZoom.text, "Reset Position\rZoom Level=2");
-  EXPECT_EQ(Count(h.takeTrace(), "print 30000 9900 192,0,0 8 0 10"), 2);  // 2, and 2 again
-  for (int i = 0; i < 25; ++i) f.cmdMinus_Click();
-  EXPECT_EQ(f.controls().cmdZoom.text, "Reset Position\rZoom Level=50");
-  EXPECT_EQ(Count(h.takeTrace(), "print 6960 9900 192,0,0 8 0 10"), 2);
+  // Each step: the clicks, then the zoom shown and a part drawn so often. The pan stays through
+  // + and -, the zoom through the reset; labels at 2 and 50 are 2, and 2 again.
+  // clang-format off
+  const struct { int clicks; const char *zoom, *part; long count; } steps[] = {
+      {1, nullptr, "circle 6796 5004 3429 192,192,0", 1},
+      {0, "Zoom Level=14", "circle 7000 5000 3429 192,192,0", 1},
+      {7, "Zoom Level=2", "print 30000 9900 192,0,0 8 0 10", 2},
+      {-25, "Zoom Level=50", "print 6960 9900 192,0,0 8 0 10", 2}};
+  // clang-format on
+  for (const auto& k : steps) {
+    if (k.clicks == 0) f.cmdZoom_Click();
+    for (int i = 0; i < k.clicks; ++i) f.cmdPlus_Click();
+    for (int i = 0; i > k.clicks; --i) f.cmdMinus_Click();
+    if (k.zoom) {
+      EXPECT_EQ(f.controls().cmdZoom.text, std::string("Reset Position\r") + k.zoom);
+    }
+    EXPECT_EQ(Count(h.takeTrace(), k.part), k.count) << k.part;
+  }
   EXPECT_EQ(f.controls().cmbTerm.rows, Lines{"VOR VOA"});
 }
 
@@ -150,13 +145,14 @@ TEST(Form, BadFilesAreToldInTheCaptionAndDrawNothing) {
   WriteWorld(d, false, false);
   Harness h(d.path());
   EXPECT_EQ(h.form().controls().caption, "vor.nav could not be read: the chart shows no VORs");
-  h.form().setSearchText("xtst");
-  h.form().cmdSearch_Click();
+  h.form().setSearchText("xtst"), h.form().cmdSearch_Click();
   EXPECT_EQ(h.form().controls().caption, "Arpt index.txt could not be read - no search for XTST");
   EXPECT_FALSE(h.form().controls().cmdArpt.enabled);
   WriteWorld(d, true, false);  // the VOR list stays missing
   const std::string noFile =
-      "The airport file FSXFiles/no.txt could not be read - no chart for XMIS";
+                        "The airport file FSXFiles/no.txt could not be read - no chart for XMIS",
+                    noChart =
+                        "No chart to move yet - search for an airport and show its chart first";
   for (const auto& [code, told] : {std::pair{"xtst", kFound},
                                    {"xnof", "Sorry, XNOF is not in FSXFiles/x.txt - no chart"},
                                    {"xmis", noFile},
@@ -168,10 +164,7 @@ TEST(Form, BadFilesAreToldInTheCaptionAndDrawNothing) {
     EXPECT_EQ(Count(t, "cls") == std::ssize(t), told != kFound) << code;
     EXPECT_EQ(Count(t, "print 100 100 0,0,0 14 1 XTST"), told == kFound ? 2 : 0) << code;
     EXPECT_EQ(Count(t, "0,0,255"), 0) << code;  // no VOR list, no VORs
-    EXPECT_EQ(h.form().controls().caption, told == kFound
-                                               ? kFound
-                                               : "No chart to move yet - search for an airport and "
-                                                 "show its chart first");
+    EXPECT_EQ(h.form().controls().caption, told == kFound ? kFound : noChart);
   }
   // A full VOR list loads silently; a line too short and one without numbers are counted.
   d.write("vor.nav", CrLf({"VOR A;10;2.00;9;59.00;H;VOA;113.40", "x;1", "y;a;b;c;d;e;f;g"}));
@@ -192,18 +185,15 @@ TEST(ChartRun, StepsStatusAndState) {
       {{"--airport", "xtst", "--approach", "VOR 27"}, 0, "",
        {R"("text": "Reset Position\rZoom Level= 16")", R"("SelApp": 1, "AppSelected": true)"}}};
   // clang-format on
-  const auto noPictures = [](const auto&, const auto&, double, std::ostream&) { return false; };
   for (const auto& k : cases) {
-    Lines args = {"--data", d.path().string(), "--state", "-"};
+    Lines args = {"--state", "-"};
     args.insert(args.end(), k.args.begin(), k.args.end());
-    std::ostringstream out, err;
-    const auto options = ParseChartArgs(args, "/nowhere", err);
-    ASSERT_TRUE(options.has_value());
-    EXPECT_EQ(RunChart(*options, noPictures, out, err), k.status) << k.args.back();
-    for (const auto& part : k.out) EXPECT_NE(out.str().find(part), std::string::npos) << part;
-    EXPECT_EQ(out.str().find('\r'), std::string::npos);
-    EXPECT_EQ(err.str().empty(), k.err.empty()) << err.str();
-    EXPECT_NE(err.str().find(k.err), std::string::npos) << err.str();
+    const auto [status, out, err] = RunChartTool(d.path(), args);
+    EXPECT_EQ(status, k.status) << k.args.back();
+    for (const auto& part : k.out) EXPECT_NE(out.find(part), std::string::npos) << part;
+    EXPECT_EQ(out.find('\r'), std::string::npos);
+    EXPECT_EQ(err.empty(), k.err.empty()) << err;
+    EXPECT_NE(err.find(k.err), std::string::npos) << err;
   }
 }
 
@@ -211,38 +201,31 @@ TEST(ChartRun, StepsStatusAndState) {
 TEST(ChartRun, EveryOutputGetsThePicture) {
   TempDir d;
   WriteWorld(d);
-  std::ostringstream out, err, handed;
-  const auto options =
-      ParseChartArgs({"--data", d.path().string(), "--out", (d.path() / "c.png").string(), "--out",
-                      (d.path() / "c.svg").string(), "--out", (d.path() / "c.pdf").string(),
-                      "--airport", "xtst", "--approach", "GPS 9"},
-                     "/nowhere", err);
-  ASSERT_TRUE(options.has_value());
+  std::ostringstream handed;
   TraceCanvas tracer(handed);
-  Lines formats;
+  Lines formats, args = {"--airport", "xtst", "--approach", "GPS 9"};
+  for (const char* name : {"c.png", "c.svg", "c.pdf"})
+    args.insert(args.end(), {"--out", (d.path() / name).string()});
   const auto writer = [&](const RecordingCanvas& picture, const std::filesystem::path& path, double,
                           std::ostream&) {
     formats.push_back(path.extension().string());
     picture.replay(tracer);
     return static_cast<bool>(std::ofstream(path) << "picture");
   };
-  EXPECT_EQ(RunChart(*options, writer, out, err), 0) << err.str();
+  const auto run = RunChartTool(d.path(), args, writer);
+  EXPECT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(formats, (Lines{".png", ".pdf"}));
   const Lines drawn = TakeLines(handed);
   EXPECT_EQ(Count(drawn, "cls"), 2);
   EXPECT_EQ(Count(drawn, "line 6100 4100 6550 5000 0,128,0 2 0"), 2);
-  std::ifstream svg(d.path() / "c.svg");
-  const std::string text{std::istreambuf_iterator<char>(svg), {}};
-  EXPECT_TRUE(text.starts_with("<svg ")) << text.substr(0, 100);
-  const std::string track =
-      R"x(<line x1="6100" y1="4100" x2="6550" y2="5000" stroke="rgb(0,128,0)")x";
-  EXPECT_NE(text.find(track), std::string::npos);
+  const std::string text = Slurp(d.path() / "c.svg");
+  EXPECT_TRUE(text.starts_with("<svg ") && text.ends_with("</svg>\n")) << text.substr(0, 100);
   // Print puts the top of the text at CurrentY, SVG its baseline: 0.9 em lower.
-  EXPECT_NE(
-      text.find(
-          R"x(<text x="100" y="352" font-size="280" font-weight="bold" fill="rgb(0,0,0)">XTST</text>)x"),
-      std::string::npos);
-  EXPECT_TRUE(text.ends_with("</svg>\n"));
+  for (
+      const char* part :
+      {R"x(<line x1="6100" y1="4100" x2="6550" y2="5000" stroke="rgb(0,128,0)")x",
+       R"x(<text x="100" y="352" font-size="280" font-weight="bold" fill="rgb(0,0,0)">XTST</text>)x"})
+    EXPECT_NE(text.find(part), std::string::npos) << part;
   SvgCanvas markup;
   markup.Cls();
   markup.Print("a<b&c>\xB0");

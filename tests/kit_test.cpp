@@ -12,8 +12,6 @@
 namespace velmora::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 // A compact approach near the airport, and one that reaches beyond both sides of the sheet.
 const GenApproach kCompact{"GPS", "9", {{6800, 4700}, {7200, 4900}, {7500, 5300}, {7000, 5000}}};
 // Compact but far north: closer views would push its later fixes off the chart before pan,
@@ -36,63 +34,52 @@ std::vector<std::pair<int, int>> FixSymbols(const Lines& trace) {
   return fixes;
 }
 
+// Loads XGEN, picks `row` and forgets the trace so far.
+void Pick(Harness& h, int row) {
+  h.load("XGEN");
+  h.form().cmbAPP_Click(row);
+  h.takeTrace();
+}
+
 TEST(Fit, ClosestViewHoldsEveryFixAndIsOneAUserCanReach) {
   TempDir d;
   WriteAirports(d, {{"XGEN", {kCompact, kWide, kNorth, kTall}}});
-  // clang-format off
-  const struct { int row; bool closer; } cases[] = {{0, true}, {1, false}, {2, true}, {3, false}};
-  // clang-format on
-  for (const auto& k : cases) {
-    Harness fit(d.path());
-    fit.load("XGEN");
-    fit.form().cmbAPP_Click(k.row);
+  for (const auto& [row, closer] : {std::pair{0, true}, {1, false}, {2, true}, {3, false}}) {
+    Harness fit(d.path()), user(d.path());
+    Pick(fit, row);
     const auto view = FitApproach(fit.store());
-    ASSERT_TRUE(view.has_value()) << k.row;
-    EXPECT_EQ(view->Zoom < kZoomOnLoad, k.closer) << view->Zoom;
-    EXPECT_EQ(view->Zoom > kZoomOnLoad, !k.closer) << view->Zoom;
-    fit.takeTrace();
+    ASSERT_TRUE(view.has_value()) << row;
+    EXPECT_EQ(std::pair(view->Zoom<kZoomOnLoad, view->Zoom> kZoomOnLoad),
+              std::pair(closer, !closer))
+        << view->Zoom;
     fit.form().showView(view->Zoom, view->PanX, view->PanY);
     const Lines shown = fit.takeTrace();
     const auto fixes = FixSymbols(shown);
-    EXPECT_EQ(fixes.size(), k.row == 3 ? 3u : 4u) << k.row;
-    for (const auto& [x, y] : fixes) {
-      EXPECT_TRUE(x >= kFitLeft && x <= kFitRight && y >= kFitTop && y <= kFitBottom)
-          << k.row << ": " << x << "," << y;
-    }
+    EXPECT_EQ(fixes.size(), row == 3 ? 3u : 4u) << row;
+    for (const auto& [x, y] : fixes)
+      EXPECT_TRUE(x >= kFitLeft && x <= kFitRight && y >= kFitTop && y <= kFitBottom) << row;
     // The first closer zoom no longer holds them all.
     if (view->Zoom > kZoomMin) {
-      Harness closer(d.path());
-      closer.load("XGEN");
-      closer.form().cmbAPP_Click(k.row);
-      closer.takeTrace();
-      closer.form().showView(view->Zoom - kZoomStep, view->PanX, view->PanY);
-      const auto near = FixSymbols(closer.takeTrace());
+      Harness next(d.path());
+      Pick(next, row);
+      next.form().showView(view->Zoom - kZoomStep, view->PanX, view->PanY);
+      const auto near = FixSymbols(next.takeTrace());
       const auto width = std::ranges::minmax(near | std::views::keys);
       const auto height = std::ranges::minmax(near | std::views::values);
       EXPECT_TRUE(near.size() < fixes.size() || width.max - width.min > kFitRight - kFitLeft ||
                   height.max - height.min > kFitBottom - kFitTop)
-          << k.row;
+          << row;
     }
     // The same picture through the buttons and one click.
-    Harness user(d.path());
-    user.load("XGEN");
-    user.form().cmbAPP_Click(k.row);
-    for (int z = kZoomOnLoad; z != view->Zoom; z += z < view->Zoom ? kZoomStep : -kZoomStep) {
+    Pick(user, row);
+    for (int z = kZoomOnLoad; z != view->Zoom; z += z < view->Zoom ? kZoomStep : -kZoomStep)
       z < view->Zoom ? user.form().cmdMinus_Click() : user.form().cmdPlus_Click();
-    }
     user.form().cmdZoom_Click();
     user.takeTrace();
     user.form().picArpt_MouseDown(1, 0, 7000 - view->PanX, 5000 - view->PanY);
-    EXPECT_EQ(user.takeTrace(), shown) << k.row;
+    EXPECT_EQ(user.takeTrace(), shown) << row;
     EXPECT_EQ(user.form().controls().cmdZoom.text, fit.form().controls().cmdZoom.text);
   }
-}
-
-std::string Slurp(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
 }
 
 TEST(ChartTool, UsageExitStatusesAndAirportsWithoutAChart) {
@@ -124,21 +111,16 @@ TEST(ChartTool, UsageExitStatusesAndAirportsWithoutAChart) {
     return false;
   };
   for (const auto& k : cases) {
-    Lines args = {"--data", d.path().string()};
-    args.insert(args.end(), k.args.begin(), k.args.end());
-    std::ostringstream out, err;
-    const auto options = ParseChartArgs(args, "/nowhere", err);
-    const int status = options ? RunChart(*options, failing, out, err) : 2;
-    const std::string what = k.args.empty() ? "(none)" : k.args.front() + " " + k.args.back();
-    EXPECT_EQ(status, k.status) << what << "\n" << err.str();
-    EXPECT_NE(out.str().find(k.out), std::string::npos) << what;
-    EXPECT_NE(err.str().find(k.err), std::string::npos) << what << "\n" << err.str();
-    EXPECT_EQ(err.str().empty(), k.err.empty()) << what << "\n" << err.str();
+    const auto [status, out, err] = RunChartTool(d.path(), k.args, failing);
+    const std::string what = (k.args.empty() ? "(none)" : k.args.front() + " " + k.args.back());
+    EXPECT_EQ(status, k.status) << what << "\n" << err;
+    EXPECT_NE(out.find(k.out), std::string::npos) << what;
+    EXPECT_NE(err.find(k.err), std::string::npos) << what << "\n" << err;
+    EXPECT_EQ(err.empty(), k.err.empty()) << what << "\n" << err;
   }
   // The failed runs left the old picture and no temporary file behind.
   EXPECT_EQ(Slurp(kept), "old picture");
-  const auto left = std::distance(std::filesystem::directory_iterator(d.path()), {});
-  EXPECT_EQ(left, 4);  // index, vor.nav, FSXFiles, kept.png
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(d.path()), {}), 4);
 }
 
 TEST(Kit, FolderOfPicturesNamedSafelyWithNotesForOddAirports) {
@@ -148,23 +130,17 @@ TEST(Kit, FolderOfPicturesNamedSafelyWithNotesForOddAirports) {
   WriteAirports(d, {{"XGEN", {kCompact, lost}}, {"XEMP", {}}});
   const auto out = d.path() / "kit";
   std::filesystem::create_directory(out);
-  Lines args = {"--data",           d.path().string(), "--airport", "XGEN,XEMP",
-                "--all-approaches", "--format",        "svg",       "--out",
-                out.string() + "/"};
-  std::ostringstream sout, err;
-  const auto options = ParseChartArgs(args, "/nowhere", err);
-  ASSERT_TRUE(options.has_value()) << err.str();
-  const auto noPng = [](const auto&, const auto&, double, std::ostream&) { return false; };
-  EXPECT_EQ(RunChart(*options, noPng, sout, err), 0) << err.str();
+  const auto run = RunChartTool(d.path(), {"--airport", "XGEN,XEMP", "--all-approaches", "--format",
+                                           "svg", "--out", out.string() + "/"});
+  EXPECT_EQ(run.status, 0) << run.err;
   Lines names;
-  for (const auto& entry : std::filesystem::directory_iterator(out)) {
+  for (const auto& entry : std::filesystem::directory_iterator(out))
     names.push_back(entry.path().filename().string());
-  }
   std::ranges::sort(names);
   EXPECT_EQ(names, (Lines{"XEMP.svg", "XGEN-0-GPS_9.svg", "XGEN-1-VOR_DME__9.svg", "XGEN.svg"}));
-  EXPECT_NE(err.str().find("XGEN VOR/DME* 9: first fix 'NOWHERE' not found"), std::string::npos)
-      << err.str();
-  EXPECT_NE(err.str().find("XEMP has no approaches"), std::string::npos) << err.str();
+  for (const char* note :
+       {"XGEN VOR/DME* 9: first fix 'NOWHERE' not found", "XEMP has no approaches"})
+    EXPECT_NE(run.err.find(note), std::string::npos) << run.err;
   EXPECT_NE(Slurp(out / "XGEN-1-VOR_DME__9.svg").find("ATTENTION"), std::string::npos);
 }
 

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "data/index_search.h"
 #include "data/vor.h"
@@ -62,12 +60,10 @@ TEST(IndexSearch, ProgressGainsADotEvery3000RejectedLines) {
     text += "C" + std::to_string(100000 + i).substr(1) + ";a;b;c\r\n";
   const auto index = dir.write("Arpt index.txt", text);
   const std::vector<int> all = {0, 1, 2, 3, 4, 5, 6, 7};
-  const struct {
-    const char* code;
-    std::vector<int> dots;
-  } cases[] = {
-      {"C00001", {}}, {"C03001", {0}}, {"C03002", {0, 1}}, {"C21002", all}, {"NOWHERE", all},
-  };
+  // clang-format off
+  const struct { const char* code; std::vector<int> dots; } cases[] = {
+      {"C00001", {}}, {"C03001", {0}}, {"C03002", {0, 1}}, {"C21002", all}, {"NOWHERE", all}};
+  // clang-format on
   for (const auto& c : cases) {
     std::vector<int> dots;
     const auto result = SearchIndex(index, c.code, [&](int d) { dots.push_back(d); });
@@ -78,18 +74,15 @@ TEST(IndexSearch, ProgressGainsADotEvery3000RejectedLines) {
 }
 
 TEST(IndexSearch, MatchesField1WithoutItsBlanks) {
-  const struct {
-    std::vector<std::string> index;
-    const char *search, *found;  // the match's fields without blanks, "" for none
-  } cases[] = {
-      {{"KSEA;a;b;s.xml", " K L A X ;Los Angeles;In tl;dir/k lax.xml"},
-       "KLAX",
+  // The index, the code searched and the match's fields without blanks, "" for none; the index
+  // isn't upper-cased.
+  // clang-format off
+  const struct { Lines index; const char *search, *found; } cases[] = {
+      {{"KSEA;a;b;s.xml", " K L A X ;Los Angeles;In tl;dir/k lax.xml"}, "KLAX",
        "KLAX|LosAngeles|Intl|dir/klax.xml"},
-      {{"klax;a;b;c.xml"}, "KLAX", ""},  // the index isn't upper-cased
-      {{"KLAX;a;b;c.xml"}, "KL AX", ""},
-      {{"KLAX;first;x;a.xml;extra", "KLAX;second;y;b.xml"}, "KLAX", "KLAX|first|x|a.xml"},
-      {{}, "KLAX", ""},
-  };
+      {{"klax;a;b;c.xml"}, "KLAX", ""}, {{"KLAX;a;b;c.xml"}, "KL AX", ""}, {{}, "KLAX", ""},
+      {{"KLAX;first;x;a.xml;extra", "KLAX;second;y;b.xml"}, "KLAX", "KLAX|first|x|a.xml"}};
+  // clang-format on
   TempDir dir;
   for (const auto& c : cases) {
     const auto r = SearchIndex(dir.write("Arpt index.txt", CrLf(c.index)), c.search, nullptr);
@@ -116,13 +109,10 @@ TEST(FixLookup, FirstTableAndLowestSlotWin) {
   // A helipad has no fix name, and an empty ident must not find it.
   s.RwyEnd[0] = {"HELIPAD", "", "", Lat(40), Lon(40), "", "", "", ""};
   s.RwyEnd[1] = {"", "", "", Lat(41), Lon(41), "", "", "", "RW25L"};
-  const struct {
-    const char* ident;
-    int degrees;  // 0: not found
-  } cases[] = {
-      {"ALPHA", 10}, {"DUP", 11},   {"BETA", 20},  {"GAMMA", 32}, {"gamma", 33},
-      {"Gamma", 0},  {"RW25L", 41}, {"HIDDEN", 0}, {"", 0},
-  };
+  // Ident and the degrees of the fix found, 0 for none.
+  const std::pair<const char*, int> cases[] = {{"ALPHA", 10}, {"DUP", 11},   {"BETA", 20},
+                                               {"GAMMA", 32}, {"gamma", 33}, {"Gamma", 0},
+                                               {"RW25L", 41}, {"HIDDEN", 0}, {"", 0}};
   for (auto [ident, d] : cases) {
     const auto want = d ? std::tuple(kX0 + d * kDeg, kY0 + d * kDeg) : std::tuple(0, 0);
     EXPECT_EQ(std::tuple(FixGridX(s, ident), FixGridY(s, ident)), want) << ident;
@@ -130,14 +120,11 @@ TEST(FixLookup, FirstTableAndLowestSlotWin) {
 }
 
 TEST(PolarOffsetTest, QuadrantsAndRounding) {
-  const struct {
-    int bearing;
-    double distance;
-    int dx, dy;
-  } cases[] = {
+  // clang-format off
+  const struct { int bearing; double distance; int dx, dy; } cases[] = {
       {0, 1.0, 0, -360},    {360, 1.0, 0, -360},  {90, 1.0, 360, 0},     {45, 0.6, 153, -153},
-      {30, 1.0, 180, -312}, {120, 1.0, 312, 180}, {210, 1.0, -180, 312}, {300, 1.0, -312, -180},
-  };
+      {30, 1.0, 180, -312}, {120, 1.0, 312, 180}, {210, 1.0, -180, 312}, {300, 1.0, -312, -180}};
+  // clang-format on
   for (const auto& c : cases) {
     std::int32_t x = 0, y = 0;
     PolarOffset(1000, 2000, c.bearing, c.distance, x, y);

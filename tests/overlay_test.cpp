@@ -1,15 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 
 #include "charts/charts.h"
 #include "test_support.h"
 
 namespace velmora::test {
 namespace {
-
-using Lines = std::vector<std::string>;
 
 // Approach 0 over the airport at Zoom 16, its fixes placed as waypoints by canvas position.
 struct Overlay {

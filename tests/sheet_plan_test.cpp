@@ -10,8 +10,6 @@
 namespace velmora::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 std::string F(const char* format, auto... args) {
   char text[200];
   std::snprintf(text, sizeof text, format, args...);
@@ -95,15 +93,17 @@ TEST(Sheet, ListRowsWithoutGaps) {
   end(2, "HELIPAD", "1", "NONE"), end(4, "RUNWAY", "36", "LEFT");
   end(6, "RUNWAY", "4", "RIGHT"), end(8, "RUNWAY", "12", "north");
   chart.s.RwyLast = 9;
-  EXPECT_EQ(chart.sheet("print 10500 "), (Lines{"print 10500 1050 0,0,0 8 0 N0 ATIS  120",
-                                                "print 10500 1300 0,0,0 8 0 N3 Tower  123",
-                                                "print 10500 1550 0,0,0 8 0 N5 atis x  125",
-                                                "print 10500 1800 0,0,0 8 0 N6 APPROACH/X  126"}));
+  // Rows 250 twips apart from 1050 down.
+  const auto rows = [](int x, Lines texts) {
+    for (int i = 0; i < 4; ++i)
+      texts[i] = F("print %d %d 0,0,0 8 0 ", x, 1050 + 250 * i) + texts[i];
+    return texts;
+  };
+  EXPECT_EQ(chart.sheet("print 10500 "),
+            rows(10500, {"N0 ATIS  120", "N3 Tower  123", "N5 atis x  125", "N6 APPROACH/X  126"}));
   EXPECT_EQ(chart.sheet("print 200 1"),
-            (Lines{"print 200 1050 0,0,0 8 0 RWY- 09-0M x 45M - ASPHALT",
-                   "print 200 1300 0,0,0 8 0 RWY- 36L-400M x 45M - ASPHALT",
-                   "print 200 1550 0,0,0 8 0 RWY- 04R-600M x 45M - ASPHALT",
-                   "print 200 1800 0,0,0 8 0 RWY- 12n-800M x 45M - ASPHALT"}));
+            rows(200, {"RWY- 09-0M x 45M - ASPHALT", "RWY- 36L-400M x 45M - ASPHALT",
+                       "RWY- 04R-600M x 45M - ASPHALT", "RWY- 12n-800M x 45M - ASPHALT"}));
   chart.s.RwyLast = 7;
   EXPECT_EQ(chart.sheet("print 200 1").size(), 3u);
 }
@@ -130,8 +130,10 @@ TEST(Plan, ReferencePointRingAndPan) {
 
 TEST(Plan, VorRangeTestLooksAtXBeforePan) {
   // X before pan, PanX, drawn
-  const int cases[][3] = {{0, 0, 0},     {1, 0, 1},         {13999, 0, 1},
-                          {14000, 0, 0}, {15000, -3000, 0}, {1, 1000, 1}};
+  // clang-format off
+  const int cases[][3] = {{0, 0, 0}, {1, 0, 1}, {13999, 0, 1}, {14000, 0, 0}, {15000, -3000, 0},
+                          {1, 1000, 1}};
+  // clang-format on
   for (const auto& [x0, panX, drawn] : cases) {
     Chart chart;
     chart.v.PanX = panX;

@@ -1,5 +1,6 @@
 #include "test_support.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <random>
@@ -119,6 +120,28 @@ std::vector<std::string> Filter(const std::vector<std::string>& trace, std::stri
     if (line.starts_with(prefix)) out.push_back(line);
   }
   return out;
+}
+
+long Count(const Lines& trace, std::string_view part) {
+  return std::ranges::count_if(trace, [&](const std::string& l) { return l.find(part) != l.npos; });
+}
+
+std::string Slurp(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+ChartResult RunChartTool(const std::filesystem::path& data, const Lines& args,
+                         const PictureWriter& writer) {
+  Lines all = {"--data", data.string()};
+  all.insert(all.end(), args.begin(), args.end());
+  std::ostringstream out, err;
+  const auto options = ParseChartArgs(all, "/nowhere", err);
+  const auto none = [](const auto&, const auto&, double, std::ostream&) { return false; };
+  const int status = options ? RunChart(*options, writer ? writer : none, out, err) : 2;
+  return {status, out.str(), err.str()};
 }
 
 }  // namespace velmora::test

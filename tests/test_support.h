@@ -11,6 +11,7 @@
 
 #include "data/store.h"
 #include "geometry/trace_canvas.h"
+#include "shell/chart_run.h"
 #include "shell/form.h"
 
 namespace velmora::test {
@@ -77,5 +78,22 @@ void WriteAirports(const TempDir& dir, const std::vector<GenAirport>& airports);
 
 // Lines of `trace` that start with `prefix`.
 std::vector<std::string> Filter(const std::vector<std::string>& trace, std::string_view prefix);
+
+using Lines = std::vector<std::string>;
+
+// Lines of `trace` that hold `part` anywhere.
+long Count(const Lines& trace, std::string_view part);
+
+// A whole file's bytes.
+std::string Slurp(const std::filesystem::path& path);
+
+// velmora-chart with "--data DIR" before `args`: its exit status (2 when the arguments don't
+// parse) and what it wrote. The default writer writes no picture and fails.
+struct ChartResult {
+  int status;
+  std::string out, err;
+};
+ChartResult RunChartTool(const std::filesystem::path& data, const Lines& args,
+                         const PictureWriter& writer = {});
 
 }  // namespace velmora::test
