@@ -7,6 +7,7 @@
 #include "data/airport_scan.h"
 #include "data/decoders.h"
 #include "data/line_reader.h"
+#include "data/platform.h"
 #include "data/text.h"
 
 namespace velmora {
@@ -171,7 +172,7 @@ IndexBuild BuildIndex(const std::filesystem::path& airportFolder,
   std::vector<std::string> names;
   for (std::filesystem::directory_iterator it(airportFolder, ec), end; !ec && it != end;
        it.increment(ec)) {
-    names.push_back(it->path().filename().string());
+    names.push_back(PathToCp1252(it->path().filename()));
   }
   if (ec) return build;
   build.folderOpened = true;
@@ -181,7 +182,7 @@ IndexBuild BuildIndex(const std::filesystem::path& airportFolder,
   FirstPlace first;
   int done = 0;
   for (const std::string& name : names) {
-    const std::filesystem::path path = airportFolder / name;
+    const std::filesystem::path path = airportFolder / PathFromCp1252(name);
     bool indexed = false;
     if (const std::string problem = EntryProblem(path, name); !problem.empty()) {
       build.warnings.push_back(name + ": " + problem);

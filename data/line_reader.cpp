@@ -26,6 +26,20 @@ const char* FindLineEnd(const char* p, const char* end) {
   return p;
 }
 
+// The first place of `needle` in [p, end), or null; memmem is a GNU extension. memchr finds
+// the candidates at the speed of a line count, memcmp confirms them.
+const char* FindBytes(const char* p, const char* end, std::string_view needle) {
+  if (needle.empty()) return p;
+  if (static_cast<std::size_t>(end - p) < needle.size()) return nullptr;
+  const char* const stop = end - needle.size() + 1;  // one past the last place a match fits
+  for (; p < stop; ++p) {
+    p = static_cast<const char*>(std::memchr(p, needle[0], stop - p));
+    if (p == nullptr) return nullptr;
+    if (std::memcmp(p + 1, needle.data() + 1, needle.size() - 1) == 0) return p;
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 LineReader::LineReader(std::size_t chunkBytes, std::size_t maxLine)
@@ -144,17 +158,15 @@ bool LineReader::nextContaining(std::string_view needle, std::string_view& line)
     const char* base = buf_.data();
     // pos_ is at a line start; bytes before hunt_ were searched already.
     const std::size_t from = std::max(pos_, hunt_);
-    const void* hit =
-        end_ > from ? memmem(base + from, end_ - from, needle.data(), needle.size()) : nullptr;
+    const char* hit = end_ > from ? FindBytes(base + from, base + end_, needle) : nullptr;
     bool viaNext = hit != nullptr;
     // The line at pos_ is dropped unread when it ends before the match; still, it counts
     // among the long lines if it is one.
     const char* firstEnd = FindLineEnd(base + from, base + end_);
-    const bool dropsFirst =
-        firstEnd < base + end_ && (hit == nullptr || static_cast<const char*>(hit) > firstEnd);
+    const bool dropsFirst = firstEnd < base + end_ && (hit == nullptr || hit > firstEnd);
     if (dropsFirst && static_cast<std::size_t>(firstEnd - (base + pos_)) > maxLine_) ++longLines_;
     if (hit != nullptr) {
-      const char* start = static_cast<const char*>(hit);
+      const char* start = hit;
       while (start > base + pos_ && start[-1] != '\n' && start[-1] != '\r') --start;
       pos_ = scan_ = hunt_ = start - base;
     } else {

@@ -8,6 +8,7 @@
 #include <random>
 
 #include "charts/fit.h"
+#include "data/platform.h"
 #include "data/store.h"
 #include "data/text.h"
 #include "geometry/fix.h"
@@ -104,8 +105,7 @@ class Sink {
   bool commit(std::ostream& err) {
     if (!file_) return true;
     file_->close();
-    std::error_code ec;
-    if (!*file_ || (std::filesystem::rename(temp_, path_, ec), ec)) {
+    if (!*file_ || !RenameOver(temp_, path_)) {
       err << "velmora-chart: cannot write " << path_.string() << "\n";
       discard();
       return false;
@@ -204,8 +204,11 @@ int RunStep(ArptForm& form, const std::string& step, std::ostream& err) {
 
 std::filesystem::path TempPath(const std::filesystem::path& path) {
   std::random_device random;
-  const std::string name =
-      "." + path.stem().string() + ".part" + std::to_string(random()) + path.extension().string();
+  // Built as a path, so a name outside the narrow character set stays whole.
+  std::filesystem::path name = ".";
+  name += path.stem();
+  name += ".part" + std::to_string(random());
+  name += path.extension();
   return path.parent_path() / name;
 }
 
@@ -280,7 +283,7 @@ std::optional<ChartOptions> ParseChartArgs(const std::vector<std::string>& args,
     }
     if (i + 1 == args.size()) return fail(a + " needs a value");
     const std::string& v = args[++i];
-    if (a == "--data") o.dataDir = v;
+    if (a == "--data") o.dataDir = PathFromUtf8(v);
     if (a == "--trace") o.tracePath = v;
     if (a == "--state") o.statePath = v;
     if (a == "--out") o.outPaths.push_back(v);
@@ -335,7 +338,7 @@ bool WriteWhole(const std::filesystem::path& path,
                 std::ostream& err) {
   const std::filesystem::path temp = TempPath(path);
   std::error_code ec;
-  const bool ok = write(temp) && (std::filesystem::rename(temp, path, ec), !ec);
+  const bool ok = write(temp) && RenameOver(temp, path);
   if (!ok) {
     std::filesystem::remove(temp, ec);
     err << "velmora-chart: " << path.string() << " was not written\n";

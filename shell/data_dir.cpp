@@ -16,16 +16,6 @@ std::filesystem::path ChooseDataDir(const std::filesystem::path& exeDir,
   return userDir;
 }
 
-std::filesystem::path UserDataDir(const char* xdgDataHome, const char* home) {
-  if (xdgDataHome != nullptr && std::filesystem::path(xdgDataHome).is_absolute()) {
-    return std::filesystem::path(xdgDataHome) / "velmora";
-  }
-  if (home != nullptr && *home != '\0') {
-    return std::filesystem::path(home) / ".local" / "share" / "velmora";
-  }
-  return {};
-}
-
 std::string NoDataCaption(const std::filesystem::path& dataDir) {
   if (HasData(dataDir)) return {};
   return "Velmora - no data: put your FSXFiles folder and vor.nav into " + dataDir.string() +

@@ -12,11 +12,6 @@ namespace velmora {
 std::filesystem::path ChooseDataDir(const std::filesystem::path& exeDir,
                                     const std::filesystem::path& userDir);
 
-// The user's data folder of the programs without a window: $XDG_DATA_HOME/velmora, where
-// that is an absolute path, else $HOME/.local/share/velmora; empty without either. The
-// environment's values are passed in (null for unset).
-std::filesystem::path UserDataDir(const char* xdgDataHome, const char* home);
-
 // True when `dir` holds the index or FSXFiles.
 bool HasData(const std::filesystem::path& dir);
 

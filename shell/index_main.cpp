@@ -1,21 +1,17 @@
 // velmora-index: the index of the airports in FSXFiles. Needs no fonts and no Qt.
 
-#include <unistd.h>
-
-#include <cstdlib>
-#include <filesystem>
 #include <iostream>
 
+#include "data/platform.h"
 #include "shell/data_dir.h"
 #include "shell/index_run.h"
 
 int main(int argc, char** argv) {
-  std::error_code ec;
-  const std::filesystem::path exe = std::filesystem::read_symlink("/proc/self/exe", ec);
-  const std::filesystem::path dataDir = velmora::ChooseDataDir(
-      exe.parent_path(), velmora::UserDataDir(std::getenv("XDG_DATA_HOME"), std::getenv("HOME")));
-  const std::vector<std::string> args(argv + 1, argv + argc);
-  const auto options = velmora::ParseIndexArgs(args, dataDir, std::cerr);
+  velmora::SetStdoutBinary();
+  const std::filesystem::path dataDir =
+      velmora::ChooseDataDir(velmora::ExecutableDir(), velmora::UserDataDir());
+  const auto options =
+      velmora::ParseIndexArgs(velmora::CommandLineArgs(argc, argv), dataDir, std::cerr);
   if (!options) return 2;
-  return velmora::RunIndex(*options, std::cout, std::cerr, isatty(STDERR_FILENO) != 0);
+  return velmora::RunIndex(*options, std::cout, std::cerr, velmora::StderrIsTerminal());
 }

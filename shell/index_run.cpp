@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "data/arpt_index.h"
+#include "data/platform.h"
 #include "shell/atomic_write.h"
 #include "shell/form.h"
 
@@ -68,7 +69,7 @@ std::optional<IndexOptions> ParseIndexArgs(const std::vector<std::string>& args,
       options.check = true;
     } else if ((a == "--data" || a == "--out") && i + 1 < args.size() && !args[i + 1].empty()) {
       if (a == "--data") {
-        options.dataDir = args[++i];
+        options.dataDir = PathFromUtf8(args[++i]);
       } else {
         options.outPath = args[++i];
       }

@@ -11,6 +11,7 @@
 #include "data/arpt_index.h"
 #include "data/extract.h"
 #include "data/line_reader.h"
+#include "data/platform.h"
 #include "shell/data_dir.h"
 #include "shell/index_run.h"
 #include "test_support.h"
@@ -160,7 +161,9 @@ TEST(IndexBuild, BadFoldersWriteNothing) {
   for (int c = 0; c < 4; ++c) {
     TempDir dir;
     if (c == 1) dir.write("FSXFiles", "x");
+#ifndef _WIN32  // MinGW's library makes no links
     if (c == 2) fs::create_directory_symlink(dir.path() / "gone", dir.path() / "FSXFiles");
+#endif
     if (c == 3) {
       dir.write("FSXFiles/a.txt", "");
       dir.write("FSXFiles/b.txt", std::string(3'000'000, 'x'));
@@ -226,16 +229,50 @@ TEST(DataDir, ExecutableFolderFirstThenTheUsers) {
   TempDir exe2;
   exe2.write("Arpt index.txt", "");
   EXPECT_EQ(ChooseDataDir(exe2.path(), user.path()), exe2.path());
+}
 
-  const std::vector<std::tuple<const char*, const char*, fs::path>> env = {
-      {"/x/data", "/home/p", "/x/data/velmora"},
-      {"relative", "/home/p", "/home/p/.local/share/velmora"},
-      {"", "/home/p", "/home/p/.local/share/velmora"},
-      {nullptr, "/home/p", "/home/p/.local/share/velmora"},
-      {nullptr, "", ""},
-      {nullptr, nullptr, ""},
+TEST(DataDir, UserDataFolderFromTheEnvironment) {
+  using Env = std::map<std::string, std::string>;
+  struct Case {
+    Env env;  // unset when absent
+    fs::path folder;
   };
-  for (const auto& [xdg, home, want] : env) EXPECT_EQ(UserDataDir(xdg, home), want);
+  const Case cases[] = {
+#ifdef _WIN32
+      {{{"APPDATA", "C:\\Users\\p\\AppData\\Roaming"}}, "C:\\Users\\p\\AppData\\Roaming\\velmora"},
+      {{{"APPDATA",
+         "C:\\Users\\Z\xc3\xbc"
+         "rich"}},
+       fs::path(L"C:\\Users\\Z\u00fcrich\\velmora")},
+      {{{"APPDATA", "relative"}}, ""},
+      {{{"HOME", "C:\\p"}, {"XDG_DATA_HOME", "C:\\x"}}, ""},
+#else
+      {{{"XDG_DATA_HOME", "/x/data"}, {"HOME", "/home/p"}}, "/x/data/velmora"},
+      {{{"XDG_DATA_HOME", "relative"}, {"HOME", "/home/p"}}, "/home/p/.local/share/velmora"},
+      {{{"XDG_DATA_HOME", ""}, {"HOME", "/home/p"}}, "/home/p/.local/share/velmora"},
+      {{{"HOME", "/home/p"}}, "/home/p/.local/share/velmora"},
+      {{{"HOME", ""}}, ""},
+#endif
+      {{}, ""},
+  };
+  for (const Case& c : cases) {
+    const auto lookup = [&](const std::string& name) -> std::optional<std::string> {
+      const auto it = c.env.find(name);
+      return it == c.env.end() ? std::nullopt : std::optional(it->second);
+    };
+    EXPECT_EQ(UserDataDir(lookup), c.folder);
+  }
+}
+
+// The environment keeps text outside ASCII whole (UTF-16 on Windows).
+TEST(DataDir, EnvironmentKeepsUtf8) {
+  SetEnv("VELMORA_TEST_FOLDER",
+         "Z\xc3\xbc"
+         "rich");
+  EXPECT_EQ(GetEnv("VELMORA_TEST_FOLDER"),
+            "Z\xc3\xbc"
+            "rich");
+  EXPECT_EQ(GetEnv("VELMORA_TEST_UNSET"), std::nullopt);
 }
 
 }  // namespace

@@ -1,11 +1,14 @@
-#include <fcntl.h>
 #include <gtest/gtest.h>
+#ifndef _WIN32
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#endif
 
 #include <climits>
 #include <fstream>
 #include <future>
+#include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -109,29 +112,43 @@ TEST(LineReaderTest, LinesOverTheLimitArePassedOverWhole) {
   }
 }
 
+// A FIFO, /dev/zero and links on POSIX; Windows has a device name in their place (MinGW's
+// library makes no links).
 TEST(FilesTest, OnlyRegularFilesOpenAndNeverBlock) {
   TempDir dir;
   const fs::path p = dir.path();
   dir.write("f.txt", "x");
-  ASSERT_EQ(mkfifo((p / "fifo").c_str(), 0600), 0);
   fs::create_directory(p / "dir");
+  std::vector<std::pair<fs::path, OpenStatus>> cases = {
+      {p / "f.txt", OpenStatus::kOpened},
+      {p / "dir", OpenStatus::kNotRegular},
+      {p / "none", OpenStatus::kUnreadable},
+  };
+#ifdef _WIN32
+  cases.push_back({"NUL", OpenStatus::kNotRegular});
+#else
+  ASSERT_EQ(mkfifo((p / "fifo").c_str(), 0600), 0);
   fs::create_symlink(p / "f.txt", p / "toFile");
   fs::create_symlink(p / "fifo", p / "toFifo");
   fs::create_symlink(p / "none", p / "dangling");
-  const std::pair<fs::path, OpenStatus> cases[] = {
-      {p / "f.txt", OpenStatus::kOpened},        {p / "toFile", OpenStatus::kOpened},
-      {p / "fifo", OpenStatus::kNotRegular},     {p / "toFifo", OpenStatus::kNotRegular},
-      {p / "dir", OpenStatus::kNotRegular},      {"/dev/zero", OpenStatus::kNotRegular},
-      {p / "dangling", OpenStatus::kUnreadable}, {p / "none", OpenStatus::kUnreadable},
-  };
+  cases.insert(cases.end(), {
+                                {p / "toFile", OpenStatus::kOpened},
+                                {p / "fifo", OpenStatus::kNotRegular},
+                                {p / "toFifo", OpenStatus::kNotRegular},
+                                {"/dev/zero", OpenStatus::kNotRegular},
+                                {p / "dangling", OpenStatus::kUnreadable},
+                            });
+#endif
   for (const auto& [path, status] : cases) {
     SCOPED_TRACE(path);
     LineReader reader;
     auto opened = std::async(std::launch::async, [&] { return reader.open(path); });
     if (opened.wait_for(std::chrono::seconds(2)) == std::future_status::timeout) {
       ADD_FAILURE() << "open blocks";
+#ifndef _WIN32
       // A writer lets the blocked open return.
       close(open((p / "fifo").c_str(), O_WRONLY | O_NONBLOCK));
+#endif
     }
     EXPECT_EQ(opened.get(), status);
     // Reading /dev/zero would never end: only what should open is read.
@@ -143,13 +160,30 @@ TEST(FilesTest, OnlyRegularFilesOpenAndNeverBlock) {
 }
 
 TEST(FilesTest, AirportFileNamesStayBelowTheFolder) {
-  // Name=path below "F" (empty: none).
-  for (std::string_view c :
-       Split("a.txt=F/a.txt sub/../a.txt=F/a.txt ./s/a.txt=F/s/a.txt ../a.txt= "
-             "sub/../../a.txt= /dev/zero= = ..=",
-             ' ')) {
-    const auto path = PathBelow("F", c.substr(0, c.find('=')));
-    EXPECT_EQ(path ? path->string() : "", c.substr(c.find('=') + 1)) << c;
+  struct Case {
+    std::string_view name;  // field 4 of the index, Windows-1252
+    std::optional<fs::path> below;
+  };
+  const fs::path f = "F";
+  const Case cases[] = {
+      {"a.txt", f / "a.txt"},
+      {"sub/../a.txt", f / "a.txt"},
+      {"./s/a.txt", f / "s" / "a.txt"},
+      {"../a.txt", std::nullopt},
+      {"sub/../../a.txt", std::nullopt},
+      {"/dev/zero", std::nullopt},
+      {"", std::nullopt},
+      {"..", std::nullopt},
+#ifdef _WIN32
+      // A drive, with or without its root, and a root without a drive.
+      {"C:a.txt", std::nullopt},
+      {"C:\\x\\a.txt", std::nullopt},
+      {"\\x\\a.txt", std::nullopt},
+      {"caf\xe9.txt", f / L"caf\u00e9.txt"},
+#endif
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(PathBelow(f, c.name), c.below) << c.name;
   }
 }
 
@@ -166,8 +200,8 @@ long DrawnCount(const Lines& trace) {
   return static_cast<long>(Filter(trace, "line").size() + Filter(trace, "circle").size());
 }
 
-// Index lines that name a FIFO, /dev/zero, a way up and the folder itself; the airport
-// folder is a link to a folder elsewhere.
+// Index lines that name a FIFO (on Windows a folder), /dev/zero, a way up and the folder
+// itself; on POSIX the airport folder is a link to a folder elsewhere.
 TEST(FilesTest, FilesThatAreNotFilesGiveACaptionAndNoChart) {
   const auto cases = Split("XFIF=fifo.txt XZER=/dev/zero XUP=../vor.nav XDIR=.", ' ');
   std::string index;
@@ -176,9 +210,13 @@ TEST(FilesTest, FilesThatAreNotFilesGiveACaptionAndNoChart) {
              std::string(c.substr(c.find('=') + 1)) + "\r\n";
   }
   World w(index), elsewhere;
+#ifdef _WIN32
+  fs::create_directory(w.dir.path() / "FSXFiles/fifo.txt");
+#else
   fs::remove_all(w.dir.path() / "FSXFiles");
   fs::create_directory_symlink(elsewhere.dir.path() / "FSXFiles", w.dir.path() / "FSXFiles");
   ASSERT_EQ(mkfifo((w.dir.path() / "FSXFiles/fifo.txt").c_str(), 0600), 0);
+#endif
   Harness h(w.dir.path());
   for (std::string_view c : cases) {
     const std::string code(c.substr(0, c.find('=')));
@@ -205,7 +243,11 @@ TEST(FilesTest, FilesThatAreNotFilesGiveACaptionAndNoChart) {
 TEST(FilesTest, IndexAndVorListThatAreNotFiles) {
   World w;
   fs::remove(w.dir.path() / "Arpt index.txt");
+#ifdef _WIN32
+  fs::create_directory(w.dir.path() / "Arpt index.txt");
+#else
   ASSERT_EQ(mkfifo((w.dir.path() / "Arpt index.txt").c_str(), 0600), 0);
+#endif
   fs::remove(w.dir.path() / "vor.nav");
   fs::create_directory(w.dir.path() / "vor.nav");
   Harness h(w.dir.path());

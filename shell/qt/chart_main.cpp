@@ -1,37 +1,32 @@
 // velmora-chart: the window's logic without a window, for scripts, tests and printing.
 
-#include <unistd.h>
-
 #include <QCoreApplication>
 #include <QGuiApplication>
-#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 
+#include "data/platform.h"
 #include "shell/chart_run.h"
 #include "shell/data_dir.h"
 #include "shell/qt/pictures.h"
+#include "shell/qt/qt_canvas.h"
+#include "shell/qt/qt_paths.h"
 
 int main(int argc, char** argv) {
-  // Fonts need a GUI application, but never a display.
-  if (std::getenv("QT_QPA_PLATFORM") == nullptr) setenv("QT_QPA_PLATFORM", "offscreen", 1);
-  // Qt wants a private runtime folder even offscreen; give it one rather than a warning.
-  if (std::getenv("XDG_RUNTIME_DIR") == nullptr) {
-    const auto dir =
-        std::filesystem::temp_directory_path() / ("velmora-runtime-" + std::to_string(getuid()));
-    std::error_code ec;
-    std::filesystem::create_directories(dir, ec);
-    std::filesystem::permissions(dir, std::filesystem::perms::owner_all, ec);
-    setenv("XDG_RUNTIME_DIR", dir.c_str(), 1);
-  }
+  // Fonts need a GUI application, but never a display. Windows' own platform needs none and
+  // finds the system's fonts, where offscreen would look in Qt's folder alone.
+#ifndef _WIN32
+  if (!velmora::GetEnv("QT_QPA_PLATFORM")) velmora::SetEnv("QT_QPA_PLATFORM", "offscreen");
+#endif
+  velmora::ProvideRuntimeDir();
+  velmora::SetStdoutBinary();
   QGuiApplication app(argc, argv);
-  std::vector<std::string> args(argv + 1, argv + argc);
-  const std::filesystem::path dataDir = velmora::ChooseDataDir(
-      QCoreApplication::applicationDirPath().toStdString(),
-      velmora::UserDataDir(std::getenv("XDG_DATA_HOME"), std::getenv("HOME")));
-  auto options = velmora::ParseChartArgs(args, dataDir, std::cerr);
+  const std::filesystem::path exeDir = velmora::ToPath(QCoreApplication::applicationDirPath());
+  velmora::AddBundledFonts(exeDir);
+  const std::filesystem::path dataDir = velmora::ChooseDataDir(exeDir, velmora::UserDataDir());
+  auto options = velmora::ParseChartArgs(velmora::ProgramArguments(argc, argv), dataDir, std::cerr);
   if (!options) return 2;
-  options->progress = isatty(STDERR_FILENO) == 1;
+  options->progress = velmora::StderrIsTerminal();
   return velmora::RunChart(*options, velmora::WritePicture, velmora::MakeKitPdf, std::cout,
                            std::cerr);
 }

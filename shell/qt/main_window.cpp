@@ -18,6 +18,7 @@
 #include "shell/chart_name.h"
 #include "shell/chart_run.h"
 #include "shell/qt/pictures.h"
+#include "shell/qt/qt_paths.h"
 
 namespace velmora {
 namespace {
@@ -129,7 +130,7 @@ std::optional<SaveChoice> AskSavePath(QWidget* parent, const QString& suggested)
   const Kind& kind = kKinds[std::max<qsizetype>(0, filters.indexOf(dialog.selectedNameFilter()))];
   SaveChoice choice{dialog.selectedFiles().front(), kind.scale};
   // A name typed without extension takes the chosen kind's.
-  if (PictureExtension(choice.path.toStdString()).empty()) choice.path += kind.ext;
+  if (PictureExtension(ToPath(choice.path)).empty()) choice.path += kind.ext;
   return choice;
 }
 
@@ -366,7 +367,7 @@ void MainWindow::saveChart() {
   const std::optional<SaveChoice> choice =
       askSavePath(QString::fromStdString(SuggestedChartName(form_->store())));
   if (!choice) return;
-  const std::filesystem::path path = choice->path.toStdString();
+  const std::filesystem::path path = ToPath(choice->path);
   const std::string ext = PictureExtension(path);
   if (ext != ".png" && ext != ".svg" && ext != ".pdf") {
     setWindowTitle("Charts are saved as .png, .svg or .pdf - nothing saved");

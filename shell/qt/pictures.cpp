@@ -12,8 +12,10 @@
 #include <stdexcept>
 #include <vector>
 
+#include "data/platform.h"
 #include "shell/chart_run.h"
 #include "shell/qt/qt_canvas.h"
+#include "shell/qt/qt_paths.h"
 
 namespace velmora {
 namespace {
@@ -79,7 +81,7 @@ void LinkOutline(QPDFObjectHandle parent, std::vector<QPDFObjectHandle> children
 class KitPdf final : public KitDocument {
  public:
   KitPdf(const std::filesystem::path& path, const ChartOptions& options)
-      : pages_(TempPath(path)), writer_(QString::fromStdString(pages_.string())) {
+      : pages_(TempPath(path)), writer_(ToQString(pages_)) {
     SetUpPdf(writer_, KitPaper(options.page),
              QStringLiteral("Velmora trip kit - not for real navigation"));
   }
@@ -117,7 +119,7 @@ class KitPdf final : public KitDocument {
   bool addOutline(const std::filesystem::path& out, std::ostream& err) const {
     try {
       QPDF pdf;
-      pdf.processFile(pages_.c_str());
+      pdf.processFile(PathToUtf8(pages_).c_str());
       const auto pages = QPDFPageDocumentHelper(pdf).getAllPages();
       if (pages.size() != marks_.size()) throw std::runtime_error("pages lost on the way");
       QPDFObjectHandle outlines = pdf.makeIndirectObject(QPDFObjectHandle::newDictionary());
@@ -138,7 +140,8 @@ class KitPdf final : public KitDocument {
       QPDFObjectHandle root = pdf.getRoot();
       root.replaceKey("/Outlines", outlines);
       root.replaceKey("/PageMode", QPDFObjectHandle::newName("/UseOutlines"));
-      QPDFWriter writer(pdf, out.c_str());
+      // qpdf takes UTF-8 names on every system.
+      QPDFWriter writer(pdf, PathToUtf8(out).c_str());
       writer.write();
       return true;
     } catch (const std::exception& e) {
@@ -181,7 +184,7 @@ void PaintPicture(QPainter& painter, const RecordingCanvas& picture, const QRect
 bool WritePicture(const RecordingCanvas& picture, const std::filesystem::path& path, double scale,
                   std::ostream& err) {
   const std::string ext = PictureExtension(path);
-  const QString file = QString::fromStdString(path.string());
+  const QString file = ToQString(path);
   bool ok = false;
   if (ext == ".png") {
     RasterCanvas canvas(scale);

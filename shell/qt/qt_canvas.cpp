@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "data/text.h"
+#include "shell/qt/qt_paths.h"
 
 namespace velmora {
 namespace {
@@ -37,6 +38,16 @@ QString ChartFontFamily() {
     return QStringLiteral("Sans Serif");
   }();
   return family;
+}
+
+void AddBundledFonts(const std::filesystem::path& exeDir) {
+  const QStringList families = QFontDatabase::families();
+  if (families.contains("Lucida Sans Unicode") && families.contains("Lucida Console")) return;
+  std::error_code ec;
+  for (std::filesystem::directory_iterator it(exeDir / "fonts", ec), end; !ec && it != end;
+       it.increment(ec)) {
+    if (it->path().extension() == ".ttf") QFontDatabase::addApplicationFont(ToQString(it->path()));
+  }
 }
 
 QString FromCp1252(std::string_view text) {

@@ -8,6 +8,7 @@
 #include <QPainter>
 #include <QStaticText>
 #include <QString>
+#include <filesystem>
 #include <map>
 
 #include "geometry/canvas.h"
@@ -16,6 +17,10 @@ namespace velmora {
 
 // "Lucida Sans Unicode" where the machine has it, else DejaVu Sans, which the build requires.
 QString ChartFontFamily();
+// Where the machine lacks "Lucida Sans Unicode" or "Lucida Console", adds the fonts of
+// `exeDir`/fonts (a Windows install ships DejaVu there; Linux has it installed). Call it
+// before anything is drawn.
+void AddBundledFonts(const std::filesystem::path& exeDir);
 // The chart font at `points` on a 96 dpi device; `fontScale` is 96 / the device's dpi.
 QFont ChartFont(int points, bool bold, double fontScale = 1.0);
 // Windows-1252 text as Qt text.
