@@ -92,17 +92,6 @@ void ShowButton(QPushButton* button, const Control& state) {
   button->setEnabled(state.enabled);
 }
 
-bool SavePicture(const RecordingCanvas& picture, const std::filesystem::path& path, double scale) {
-  std::ostringstream ignored;  // the window says it in the caption
-  return WriteWhole(
-      path,
-      [&](const std::filesystem::path& temp) {
-        return PictureExtension(path) == ".svg" ? WriteSvg(picture, temp, ignored)
-                                                : WritePicture(picture, temp, scale, ignored);
-      },
-      ignored);
-}
-
 bool AskPrinter(QWidget* parent, QPrinter& printer) {
   QPrintDialog dialog(&printer, parent);
   return dialog.exec() == QDialog::Accepted;
@@ -370,8 +359,15 @@ void MainWindow::saveChart() {
   const std::string ext = PictureExtension(path);
   if (ext != ".png" && ext != ".svg" && ext != ".pdf") {
     setWindowTitle("Charts are saved as .png, .svg or .pdf - nothing saved");
-  } else if (!SavePicture(picArpt_->recording(), path, choice->scale)) {
-    setWindowTitle(QString("Could not write %1 - nothing saved").arg(choice->path));
+    return;
+  }
+  std::ostringstream ignored;  // velmora-chart's words; the window gives the reason instead
+  std::string reason;
+  const PictureWriter writer = WritePicture;
+  if (!WriteWhole(path, PictureFiller(picArpt_->recording(), path, choice->scale, writer, ignored),
+                  reason)) {
+    setWindowTitle(QString("Could not write %1 - nothing saved (%2)")
+                       .arg(choice->path, QString::fromStdString(reason)));
   } else {
     setWindowTitle(QString("Chart saved as %1").arg(choice->path));
   }
