@@ -51,73 +51,45 @@ bool SetScale(Given& g, const std::string& v, std::ostream& err) {
   return false;
 }
 
+// The value, as given, into the member `M` of the options.
+template <auto M>
+bool Set(Given& g, const std::string& value, std::ostream&) {
+  g.options.*M = value;
+  return true;
+}
+
+// A switch: the member `M` becomes true.
+template <bool ChartOptions::*M>
+bool Switch(Given& g, const std::string&, std::ostream&) {
+  g.options.*M = true;
+  return true;
+}
+
+bool AddOut(Given& g, const std::string& value, std::ostream&) {
+  g.options.outPaths.push_back(value);
+  return true;
+}
+
+bool SetAirports(Given& g, const std::string& value, std::ostream&) {
+  g.airport = value;
+  return true;
+}
+
 const Option kOptions[] = {
-    {"--data", "DIR", false,
-     [](Given& g, const std::string& v, std::ostream&) {
-       g.options.dataDir = v;
-       return true;
-     }},
-    {"--trace", "FILE", false,
-     [](Given& g, const std::string& v, std::ostream&) {
-       g.options.tracePath = v;
-       return true;
-     }},
-    {"--state", "FILE", false,
-     [](Given& g, const std::string& v, std::ostream&) {
-       g.options.statePath = v;
-       return true;
-     }},
-    {"--out", "FILE", false,
-     [](Given& g, const std::string& v, std::ostream&) {
-       g.options.outPaths.push_back(v);
-       return true;
-     }},
+    {"--data", "DIR", false, Set<&ChartOptions::dataDir>},
+    {"--trace", "FILE", false, Set<&ChartOptions::tracePath>},
+    {"--state", "FILE", false, Set<&ChartOptions::statePath>},
+    {"--out", "FILE", false, AddOut},
     {"--scale", "F", false, SetScale},
-    {"--airport", "CODE", false,
-     [](Given& g, const std::string& v, std::ostream&) {
-       g.airport = v;
-       return true;
-     }},
-    {"--approach", "TEXT", false,
-     [](Given& g, const std::string& v, std::ostream&) {
-       g.options.approach = v;
-       return true;
-     }},
-    {"--page", "a4|letter|a5", true,
-     [](Given& g, const std::string& v, std::ostream&) {
-       g.options.page = v;
-       return true;
-     }},
-    {"--format", "png|svg", true,
-     [](Given& g, const std::string& v, std::ostream&) {
-       g.options.format = v;
-       return true;
-     }},
-    {"--all-approaches", "", false,
-     [](Given& g, const std::string&, std::ostream&) {
-       g.options.allApproaches = true;
-       return true;
-     }},
-    {"--fit", "", false,
-     [](Given& g, const std::string&, std::ostream&) {
-       g.options.fit = true;
-       return true;
-     }},
-    {"--help", "", false,
-     [](Given& g, const std::string&, std::ostream&) {
-       g.options.help = true;
-       return true;
-     }},
-    {"-h", "", false,
-     [](Given& g, const std::string&, std::ostream&) {
-       g.options.help = true;
-       return true;
-     }},
-    {"--version", "", false,
-     [](Given& g, const std::string&, std::ostream&) {
-       g.options.version = true;
-       return true;
-     }},
+    {"--airport", "CODE", false, SetAirports},
+    {"--approach", "TEXT", false, Set<&ChartOptions::approach>},
+    {"--page", "a4|letter|a5", true, Set<&ChartOptions::page>},
+    {"--format", "png|svg", true, Set<&ChartOptions::format>},
+    {"--all-approaches", "", false, Switch<&ChartOptions::allApproaches>},
+    {"--fit", "", false, Switch<&ChartOptions::fit>},
+    {"--help", "", false, Switch<&ChartOptions::help>},
+    {"-h", "", false, Switch<&ChartOptions::help>},
+    {"--version", "", false, Switch<&ChartOptions::version>},
 };
 
 const Option* FindOption(std::string_view name) {
