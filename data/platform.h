@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 namespace velmora {
@@ -19,12 +20,8 @@ enum class OpenStatus { kOpened, kUnreadable, kNotRegular };
 // itself doesn't wait for a FIFO's writer. `file` is set only for kOpened.
 OpenStatus OpenRegularFile(const std::filesystem::path& path, std::FILE*& file);
 
-// Creates `path` for writing; null when it exists already or can't be made, so two writers
-// never share a temporary file.
-std::FILE* CreateNewFile(const std::filesystem::path& path);
-
-// Renames `from` to `to`, replacing a file there in one step.
-bool RenameOver(const std::filesystem::path& from, const std::filesystem::path& to);
+// Renames `from` to `to`, replacing a file there in one step; the system's error if not.
+std::error_code RenameOver(const std::filesystem::path& from, const std::filesystem::path& to);
 
 // The folder of the running executable; empty when the system won't say.
 std::filesystem::path ExecutableDir();

@@ -31,14 +31,10 @@ OpenStatus OpenRegularFile(const std::filesystem::path& path, std::FILE*& file) 
   return OpenStatus::kOpened;
 }
 
-std::FILE* CreateNewFile(const std::filesystem::path& path) {
-  return std::fopen(path.c_str(), "wbx");
-}
-
-bool RenameOver(const std::filesystem::path& from, const std::filesystem::path& to) {
+std::error_code RenameOver(const std::filesystem::path& from, const std::filesystem::path& to) {
   std::error_code ec;
   std::filesystem::rename(from, to, ec);
-  return !ec;
+  return ec;
 }
 
 std::filesystem::path ExecutableDir() {

@@ -54,17 +54,11 @@ OpenStatus OpenRegularFile(const std::filesystem::path& path, std::FILE*& file) 
   return file != nullptr ? OpenStatus::kOpened : OpenStatus::kUnreadable;
 }
 
-std::FILE* CreateNewFile(const std::filesystem::path& path) {
-  // msvcrt's fopen ignores "x": CREATE_NEW is the exclusive create.
-  const HANDLE handle = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (handle == INVALID_HANDLE_VALUE) return nullptr;
-  return StreamOf(handle, _O_WRONLY | _O_BINARY, "wb");
-}
-
-bool RenameOver(const std::filesystem::path& from, const std::filesystem::path& to) {
-  return MoveFileExW(from.c_str(), to.c_str(),
-                     MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+std::error_code RenameOver(const std::filesystem::path& from, const std::filesystem::path& to) {
+  if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+    return {};
+  }
+  return std::error_code(static_cast<int>(GetLastError()), std::system_category());
 }
 
 std::filesystem::path ExecutableDir() {

@@ -7,11 +7,12 @@
 #include "shell/qt/qt_paths.h"
 
 namespace velmora {
-namespace {
 
 QColor ToQColor(Rgb c) {
   return QColor(c.r, c.g, c.b);
 }
+
+namespace {
 
 // Painters count screen pixels of 15 twips: Qt lays out text fastest untransformed.
 double Px(double twips) {
@@ -137,7 +138,7 @@ void RasterCanvas::setPixelRatio(double pixelRatio) {
   const int h = static_cast<int>(std::ceil(Height / double(kTwipsPerPixel) * ratio_));
   image_ = QImage(w, h, QImage::Format_RGB32);
   image_.setDevicePixelRatio(ratio_);
-  image_.fill(QColor(kPictureBackground.r, kPictureBackground.g, kPictureBackground.b));
+  image_.fill(ToQColor(kPictureBackground));
   painter_.begin(&image_);
   painter_.setRenderHint(QPainter::Antialiasing);
   painter_.setRenderHint(QPainter::TextAntialiasing);
