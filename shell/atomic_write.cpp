@@ -23,6 +23,11 @@ bool CreateTemp(const std::filesystem::path& temp, std::ofstream& file, std::str
   return false;
 }
 
+void Discard(const std::filesystem::path& temp) {
+  std::error_code ec;
+  std::filesystem::remove(temp, ec);
+}
+
 bool Replace(const std::filesystem::path& temp, const std::filesystem::path& path,
              std::string& reason) {
   const std::error_code ec = RenameOver(temp, path);
@@ -30,11 +35,6 @@ bool Replace(const std::filesystem::path& temp, const std::filesystem::path& pat
   reason = ec.message();
   Discard(temp);
   return false;
-}
-
-void Discard(const std::filesystem::path& temp) {
-  std::error_code ec;
-  std::filesystem::remove(temp, ec);
 }
 
 }  // namespace
