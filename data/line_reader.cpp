@@ -131,7 +131,9 @@ bool LineReader::fill() {
   // leaves less than half a read, so a file of short lines keeps one chunk; never far past the
   // limit.
   if (buf_.size() - end_ < (want + 1) / 2) {
-    buf_.resize(std::max(end_ + want, std::min(2 * buf_.size(), maxLine_ + chunk_)));
+    const std::size_t grown = std::max(end_ + want, std::min(2 * buf_.size(), maxLine_ + chunk_));
+    buf_.reserve(grown);  // exactly: resize alone would double the capacity
+    buf_.resize(grown);
   }
   want = std::min(want, buf_.size() - end_);
   std::size_t got = 0;

@@ -20,7 +20,6 @@ namespace velmora::test {
 namespace {
 
 namespace fs = std::filesystem;
-using Lines = std::vector<std::string>;
 
 struct Read {
   Lines lines;
