@@ -582,8 +582,7 @@ void Generate(Data& data) {
   for (std::int32_t slot = 0; slot <= s.VorLast; ++slot) {
     const auto gx = LonToGrid(s.Vor[slot].lon);
     if (!gx) continue;
-    const std::int32_t x = GridToScreenX(view, *gx);
-    if (x >= 1 && x <= 13999) ++data.vorsInRange;
+    if (WithinChartWidth(GridToScreenX(view, *gx))) ++data.vorsInRange;
   }
 }
 

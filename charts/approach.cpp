@@ -4,6 +4,7 @@
 
 #include "charts/charts.h"
 #include "data/numbers.h"
+#include "data/runway_text.h"
 #include "data/text.h"
 #include "geometry/fix.h"
 
@@ -11,10 +12,6 @@ namespace velmora {
 namespace {
 
 constexpr std::string_view kCorruptWarning = "ATTENTION: Approach Data may be corrupt!";
-
-struct Position {
-  std::int32_t x, y;
-};
 
 // Whole degrees from "93.0": the last two characters cut, not rounded. None for a text too
 // short or not a whole number.
@@ -86,17 +83,17 @@ void Heading(Store& s, const LegRow& firstLeg, Canvas& c) {
   }
 }
 
-void FixSymbol(Canvas& c, Position p) {
+void FixSymbol(Canvas& c, ScreenPoint p) {
   c.pen.ForeColor = kBlack;
   c.pen.DrawWidth = 2;
   c.Circle(p.x, p.y, 30);
 }
 
-void NameLabel(Canvas& c, Position p, const LegRow& leg) {
+void NameLabel(Canvas& c, ScreenPoint p, const LegRow& leg) {
   PrintAt(c, ScreenAdd(p.x, -100), p.y, 8, false, leg.fixIdent);
 }
 
-void AltitudeAndDme(Canvas& c, Position p, const LegRow& leg) {
+void AltitudeAndDme(Canvas& c, ScreenPoint p, const LegRow& leg) {
   PrintAt(c, ScreenAdd(p.x, -100), ScreenAdd(p.y, 200), 10, false, AltitudeText(leg.altitude));
   const std::string dme = DmeText(leg.rho);
   if (!dme.empty()) {
@@ -136,8 +133,7 @@ class Track {
     const std::int32_t gy = FixGridY(s_, leg.fixIdent);
     const std::int32_t gx = FixGridX(s_, leg.fixIdent);
     if (gx == 0) Warning(c_);
-    const Position p{ScreenAdd(GridToScreenX(v_, gx), v_.PanX),
-                     ScreenAdd(GridToScreenY(v_, gy), v_.PanY)};
+    const ScreenPoint p = Panned(v_, {GridToScreenX(v_, gx), GridToScreenY(v_, gy)});
     prev_ = p;
     if (ils_) start_ = p;
     FixSymbol(c_, p);
@@ -151,8 +147,8 @@ class Track {
     const std::int32_t gx = FixGridX(s_, leg.fixIdent);
     const std::int32_t screenY = GridToScreenY(v_, gy);
     // Only Y is tested, before pan; a fix no table holds falls out here.
-    if (screenY < 1 || screenY > 9999) return;
-    const Position p{ScreenAdd(GridToScreenX(v_, gx), v_.PanX), ScreenAdd(screenY, v_.PanY)};
+    if (!WithinChartHeight(screenY)) return;
+    const ScreenPoint p = Panned(v_, {GridToScreenX(v_, gx), screenY});
     FixSymbol(c_, p);
     NameLabel(c_, p, leg);
     if (leg.fixIdent.starts_with("RW")) {
@@ -166,7 +162,7 @@ class Track {
     prev_ = p;
   }
 
-  void trackLine(Position p) {
+  void trackLine(ScreenPoint p) {
     c_.pen.ForeColor = kGreen;
     // From the third line on, or after a runway fix, the track is dotted; the width left by
     // the fix symbol or the arrow decides whether the dots show.
@@ -179,7 +175,7 @@ class Track {
     ++trackCount_;
   }
 
-  void courseMark(Position p, const LegRow& leg) {
+  void courseMark(ScreenPoint p, const LegRow& leg) {
     const std::int32_t midX = RoundEven(p.x - (static_cast<double>(p.x) - prev_.x) / 2.0);
     const std::int32_t midY = RoundEven(p.y - (static_cast<double>(p.y) - prev_.y) / 2.0);
     const auto course = Course(leg.magneticCourse);
@@ -195,8 +191,8 @@ class Track {
   Canvas& c_;
   const bool ils_;
   bool firstDone_ = false;
-  Position prev_{0, 0};
-  Position start_{0, 0};
+  ScreenPoint prev_{0, 0};
+  ScreenPoint start_{0, 0};
   std::int32_t trackCount_ = 0;
 };
 
@@ -214,9 +210,10 @@ void TerminalRows(const Store& s, std::vector<std::string>& rows) {
 }  // namespace
 
 std::string RunwayText(ApproachRow& app) {
-  if (app.runway.size() < 2) app.runway.insert(0, "0");
-  if (app.designator != "NONE") app.designator = app.designator.substr(0, 1);
-  return app.designator == "NONE" ? app.runway : app.runway + app.designator;
+  // The heading reads an empty runway as 0.
+  app.runway = app.runway.empty() ? "0" : RunwayNumberText(app.runway);
+  if (app.designator != "NONE") app.designator = DesignatorLetter(app.designator);
+  return app.runway + DesignatorLetter(app.designator);
 }
 
 void DrawApp(Store& store, const View& view, Canvas& canvas, std::vector<std::string>& termRows) {
@@ -230,7 +227,7 @@ void DrawApp(Store& store, const View& view, Canvas& canvas, std::vector<std::st
     }
   }
   // Every other drawing of the program starts solid.
-  canvas.pen.DrawStyle = 0;
+  canvas.pen.DrawStyle = kSolid;
   TerminalRows(store, termRows);
 }
 

@@ -50,7 +50,7 @@ std::optional<FitView> FitApproach(const Store& store) {
     for (const GridFix& f : fixes) {
       const std::int32_t x = GridToScreenX(v, f.x), y = GridToScreenY(v, f.y);
       // The overlay drops a later fix whose place before pan is off the chart's height.
-      if (!f.first && (y < 1 || y > 9999)) drawn = false;
+      if (!f.first && !WithinChartHeight(y)) drawn = false;
       left = std::min(left, x), right = std::max(right, x);
       top = std::min(top, y), bottom = std::max(bottom, y);
     }

@@ -8,25 +8,20 @@
 namespace velmora {
 namespace {
 
-struct Point {
-  std::int32_t x, y;
-};
-
 // Canvas position without pan; none for a row whose coordinate text can't be read.
-std::optional<Point> Map(const View& v, const std::string& lat, const std::string& lon) {
+std::optional<ScreenPoint> Map(const View& v, const std::string& lat, const std::string& lon) {
   const auto gy = LatToGrid(lat);
   const auto gx = LonToGrid(lon);
   if (!gx || !gy) return std::nullopt;
-  return Point{GridToScreenX(v, *gx), GridToScreenY(v, *gy)};
+  return ScreenPoint{GridToScreenX(v, *gx), GridToScreenY(v, *gy)};
 }
 
-void ReferencePoint(const View& v, Point arp, Canvas& c) {
+void ReferencePoint(const View& v, ScreenPoint arp, Canvas& c) {
   // The yellow cross stays where a click brings the clicked point; the rest moves with pan.
   c.pen.ForeColor = kYellow;
   c.Line(ScreenAdd(arp.x, -200), arp.y, ScreenAdd(arp.x, 200), arp.y);
   c.Line(arp.x, ScreenAdd(arp.y, -200), arp.x, ScreenAdd(arp.y, 200));
-  const std::int32_t x = ScreenAdd(arp.x, v.PanX);
-  const std::int32_t y = ScreenAdd(arp.y, v.PanY);
+  const auto [x, y] = Panned(v, arp);
   // The ring has the radius of the whole scale bar: 48000 grid units.
   c.Circle(x, y, RoundEven(48000.0 / v.Zoom));
   c.Circle(x, y, 30);
@@ -41,10 +36,10 @@ void ReferencePoint(const View& v, Point arp, Canvas& c) {
 }
 
 void Runways(const Store& s, const View& v, Canvas& c) {
-  std::array<std::optional<Point>, decltype(s.RwyEnd)::kHighest + 1> ends;
+  std::array<std::optional<ScreenPoint>, decltype(s.RwyEnd)::kHighest + 1> ends;
   for (std::int32_t slot = 0; slot <= s.RwyLast && s.RwyEnd.has(slot); ++slot) {
     if (auto p = Map(v, s.RwyEnd[slot].lat, s.RwyEnd[slot].lon)) {
-      ends[slot] = Point{ScreenAdd(p->x, v.PanX), ScreenAdd(p->y, v.PanY)};
+      ends[slot] = Panned(v, *p);
     }
   }
   for (std::int32_t slot = 0; slot < s.RwyLast && s.RwyEnd.has(slot + 1); slot += 2) {
@@ -60,8 +55,7 @@ void Ndbs(const Store& s, const View& v, Canvas& c) {
     const NdbRow& ndb = s.Ndb[slot];
     const auto p = Map(v, ndb.lat, ndb.lon);
     if (!p) continue;
-    const std::int32_t x = ScreenAdd(p->x, v.PanX);
-    const std::int32_t y = ScreenAdd(p->y, v.PanY);
+    const auto [x, y] = Panned(v, *p);
     c.pen.DrawWidth = 1;
     c.pen.ForeColor = kRed;
     c.Circle(x, y, 30);
@@ -79,9 +73,8 @@ void Vors(const Store& s, const View& v, Canvas& c) {
     const VorRow& vor = s.Vor[slot];
     const auto p = Map(v, vor.lat, vor.lon);
     // Only X is tested, and before pan.
-    if (!p || p->x < 1 || p->x > 13999) continue;
-    const std::int32_t x = ScreenAdd(p->x, v.PanX);
-    const std::int32_t y = ScreenAdd(p->y, v.PanY);
+    if (!p || !WithinChartWidth(p->x)) continue;
+    const auto [x, y] = Panned(v, *p);
     c.pen.ForeColor = kBlue;
     c.Circle(x, y, 30);
     c.Circle(x, y, 60);

@@ -2,6 +2,7 @@
 
 #include "charts/charts.h"
 #include "data/numbers.h"
+#include "data/runway_text.h"
 #include "data/text.h"
 #include "geometry/coords.h"
 
@@ -50,11 +51,12 @@ void RunwayList(const Store& s, Canvas& c) {
     const RwyEndRow& rwy = s.RwyEnd[slot];
     // An airport without runway ends gets no row of bare dashes.
     if (rwy.type == "HELIPAD" || IsEmpty(rwy)) continue;
-    std::string letter;
-    if (!rwy.designator.empty() && rwy.designator.front() != 'N') letter = rwy.designator.front();
-    const std::string number = rwy.number.size() == 1 ? "0" + rwy.number : rwy.number;
+    // The list drops the letter of any designator that begins with "N", not of "NONE" alone.
+    const std::string letter =
+        rwy.designator.starts_with('N') ? std::string{} : DesignatorLetter(rwy.designator);
     PrintAt(c, 200, ListRowY(row), 8, false,
-            "RWY- " + number + letter + "-" + rwy.length + " x " + rwy.width + " - " + rwy.surface);
+            "RWY- " + RunwayNumberText(rwy.number) + letter + "-" + rwy.length + " x " + rwy.width +
+                " - " + rwy.surface);
     ++row;
   }
 }

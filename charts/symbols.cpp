@@ -2,13 +2,10 @@
 
 #include "charts/charts.h"
 #include "geometry/polar.h"
+#include "geometry/screen.h"
 
 namespace velmora {
 namespace {
-
-struct Corner {
-  std::int32_t x, y;
-};
 
 struct Bearings {
   std::int32_t first, second;
@@ -23,15 +20,15 @@ Bearings SideBearings(std::int32_t course, std::int32_t angle) {
 }
 
 // None where the bearing leaves 0 to 360: such a corner is never drawn to.
-std::optional<Corner> CornerAt(std::int32_t x, std::int32_t y, std::int32_t bearing,
-                               double distance) {
+std::optional<ScreenPoint> CornerAt(std::int32_t x, std::int32_t y, std::int32_t bearing,
+                                    double distance) {
   if (bearing < 0 || bearing > 360) return std::nullopt;
-  Corner c{x, y};
+  ScreenPoint c{x, y};
   PolarOffset(x, y, bearing, distance, c.x, c.y);
   return c;
 }
 
-void LineTo(Canvas& c, std::int32_t x, std::int32_t y, const std::optional<Corner>& to) {
+void LineTo(Canvas& c, std::int32_t x, std::int32_t y, const std::optional<ScreenPoint>& to) {
   if (to) c.Line(x, y, to->x, to->y);
 }
 

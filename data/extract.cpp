@@ -7,6 +7,7 @@
 
 #include "data/airport_scan.h"
 #include "data/decoders.h"
+#include "data/runway_text.h"
 
 namespace velmora {
 namespace {
@@ -268,27 +269,18 @@ std::string Dropped::text() const {
 
 std::string RunwayFixName(const RwyEndRow& row) {
   if (row.type == "HELIPAD" || row.number.size() > 2) return {};
-  std::string name = "RW";
-  if (row.number.size() == 1) name += '0';
-  name += row.number;
-  if (row.designator != "NONE" && !row.designator.empty()) name += row.designator.front();
-  return name;
+  return "RW" + RunwayNumberText(row.number) + DesignatorLetter(row.designator);
 }
 
 ExtractReport ExtractArpt(Store& store, const std::filesystem::path& file,
                           std::string_view searchIdent) {
-  LineReader reader;
-  const OpenStatus status = reader.open(file);
-  if (status == OpenStatus::kOpened) return ExtractArpt(store, reader, searchIdent);
   store.ClearArpt();
-  ExtractReport report;
-  report.notRegular = status == OpenStatus::kNotRegular;
-  return report;
+  return ReadFileWith<ExtractReport>(
+      file, [&](LineReader& reader) { return ExtractArpt(store, reader, searchIdent); });
 }
 
 ExtractReport ExtractArpt(Store& store, LineReader& reader, std::string_view searchIdent) {
   ExtractReport report;
-  report.opened = true;
   store.ClearArpt();
   AirportReader airport(store, report.dropped);
   AirportLine work;
@@ -302,8 +294,7 @@ ExtractReport ExtractArpt(Store& store, LineReader& reader, std::string_view sea
     const std::string_view key = work.take(raw, store.CurElement);
     if (!airport.take(key, head.key, work.line())) break;
   }
-  report.readError = reader.failed();
-  report.longLines = reader.longLines();
+  report.take(reader);
   report.found = store.hasAirport();
   return report;
 }

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "data/file_status.h"
 #include "data/line_reader.h"
 #include "data/store.h"
 
@@ -18,12 +19,8 @@ struct Dropped {
   std::string text() const;
 };
 
-struct ExtractReport {
-  bool opened = false;
-  bool notRegular = false;  // a folder, device, FIFO or socket rather than a file
-  bool readError = false;
+struct ExtractReport : FileStatus {
   bool found = false;  // the file holds the airport
-  int longLines = 0;   // lines passed over for their length
   Dropped dropped;
 };
 

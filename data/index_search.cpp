@@ -31,18 +31,13 @@ std::string_view Field1(std::string_view line) {
 
 IndexSearchResult SearchIndex(const std::filesystem::path& index, std::string_view searchIdent,
                               const std::function<void(int dots)>& progress) {
-  LineReader reader;
-  const OpenStatus status = reader.open(index);
-  if (status == OpenStatus::kOpened) return SearchIndex(reader, searchIdent, progress);
-  IndexSearchResult result;
-  result.notRegular = status == OpenStatus::kNotRegular;
-  return result;
+  return ReadFileWith<IndexSearchResult>(
+      index, [&](LineReader& reader) { return SearchIndex(reader, searchIdent, progress); });
 }
 
 IndexSearchResult SearchIndex(LineReader& reader, std::string_view searchIdent,
                               const std::function<void(int dots)>& progress) {
   IndexSearchResult result;
-  result.opened = true;
   int& rejected = result.rejected;
   std::string lastField;
   std::string_view line;
@@ -57,7 +52,7 @@ IndexSearchResult SearchIndex(LineReader& reader, std::string_view searchIdent,
       if (fields.size() > 1) result.info1 = RemoveBlanks(fields[1]);
       if (fields.size() > 2) result.info2 = RemoveBlanks(fields[2]);
       if (fields.size() > 3) result.file = RemoveBlanks(fields[3]);
-      result.longLines = reader.longLines();
+      result.take(reader);
       return result;
     }
     lastField.assign(field1);
@@ -66,8 +61,7 @@ IndexSearchResult SearchIndex(LineReader& reader, std::string_view searchIdent,
     }
     ++rejected;
   }
-  result.readError = reader.failed();
-  result.longLines = reader.longLines();
+  result.take(reader);
   result.ident = RemoveBlanks(lastField);
   return result;
 }

@@ -7,17 +7,14 @@
 #include <string>
 #include <string_view>
 
+#include "data/file_status.h"
 #include "data/line_reader.h"
 
 namespace velmora {
 
-struct IndexSearchResult {
-  bool opened = false;
-  bool notRegular = false;  // a folder, device, FIFO or socket rather than a file
-  bool readError = false;
+struct IndexSearchResult : FileStatus {
   bool found = false;
-  int longLines = 0;  // lines passed over for their length
-  int rejected = 0;   // lines looked at before the match, or all of them
+  int rejected = 0;  // lines looked at before the match, or all of them
   // Fields 1 to 4 of the found line without blanks. When nothing is found, ident holds
   // field 1 of the last line looked at, if any, and the rest stays empty.
   std::string ident, info1, info2, file;

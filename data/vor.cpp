@@ -44,19 +44,13 @@ std::optional<std::string> CoordText(std::string_view degField, std::string_view
 }  // namespace
 
 VorReport LoadVor(Store& store, const std::filesystem::path& file) {
-  LineReader reader;
-  const OpenStatus status = reader.open(file);
-  if (status == OpenStatus::kOpened) return LoadVor(store, reader);
   store.Vor.clear();
   store.VorLast = -1;
-  VorReport report;
-  report.notRegular = status == OpenStatus::kNotRegular;
-  return report;
+  return ReadFileWith<VorReport>(file, [&](LineReader& reader) { return LoadVor(store, reader); });
 }
 
 VorReport LoadVor(Store& store, LineReader& reader) {
   VorReport report;
-  report.opened = true;
   store.Vor.clear();
   std::int32_t slot = 0;
   std::string_view line;
@@ -82,8 +76,7 @@ VorReport LoadVor(Store& store, LineReader& reader) {
     row.ident = fields[6];
     row.frequency = fields[7];
   }
-  report.readError = reader.failed();
-  report.longLines = reader.longLines();
+  report.take(reader);
   store.VorLast = slot - 1;
   return report;
 }

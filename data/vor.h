@@ -3,18 +3,15 @@
 
 #include <filesystem>
 
+#include "data/file_status.h"
 #include "data/line_reader.h"
 #include "data/store.h"
 
 namespace velmora {
 
-struct VorReport {
-  bool opened = false;
-  bool notRegular = false;  // a folder, device, FIFO or socket rather than a file
-  bool readError = false;
-  int longLines = 0;  // lines passed over for their length
-  int skipped = 0;    // lines with fewer than eight fields or no numbers in the position
-  int dropped = 0;    // lines beyond the table's last slot
+struct VorReport : FileStatus {
+  int skipped = 0;  // lines with fewer than eight fields or no numbers in the position
+  int dropped = 0;  // lines beyond the table's last slot
 };
 
 // Fields: 2, 3 longitude degrees and minutes; 4, 5 latitude; 7 ident; 8 frequency.

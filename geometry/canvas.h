@@ -25,13 +25,15 @@ inline constexpr Rgb kGreen{0, 128, 0};
 // The picture's background, the light grey of an inactive window border; Cls clears to it.
 inline constexpr Rgb kPictureBackground{212, 208, 200};
 
-inline constexpr int kDotted = 2;  // DrawStyle; 0 is solid
+// DrawStyle.
+inline constexpr int kSolid = 0;
+inline constexpr int kDotted = 2;
 
 struct Pen {
   Rgb ForeColor = kBlack;
-  int DrawWidth = 1;  // pixels: 1, 2 or 5
-  int DrawStyle = 0;  // dotted only at DrawWidth 1
-  int FontSize = 6;   // points
+  int DrawWidth = 1;       // pixels: 1, 2 or 5
+  int DrawStyle = kSolid;  // dotted only at DrawWidth 1
+  int FontSize = 6;        // points
   bool FontBold = false;
   std::int32_t CurrentX = 0;  // twips, top left of the next Print
   std::int32_t CurrentY = 0;

@@ -26,7 +26,21 @@ inline constexpr std::int32_t kZoomOnLoad = 16;
 // Clicks move the chart at most this far: the whole world at the closest Zoom.
 inline constexpr std::int32_t kPanLimit = 40000000;
 
+// Where a painter still draws a position, tested before pan: VORs by X alone, the later
+// fixes of an approach by Y alone.
+inline constexpr std::int32_t kChartAreaRight = 13999;
+inline constexpr std::int32_t kChartAreaBottom = 9999;
+constexpr bool WithinChartWidth(std::int32_t x) {
+  return x >= 1 && x <= kChartAreaRight;
+}
+constexpr bool WithinChartHeight(std::int32_t y) {
+  return y >= 1 && y <= kChartAreaBottom;
+}
+
 // Pan is not part of the mapping: the painters add it at each point.
+constexpr ScreenPoint Panned(const View& view, ScreenPoint p) {
+  return {ScreenAdd(p.x, view.PanX), ScreenAdd(p.y, view.PanY)};
+}
 std::int32_t GridToScreenX(const View& view, std::int32_t gridX);
 std::int32_t GridToScreenY(const View& view, std::int32_t gridY);
 

@@ -8,6 +8,11 @@
 
 namespace velmora {
 
+// A position on the canvas, twips.
+struct ScreenPoint {
+  std::int32_t x, y;
+};
+
 constexpr std::int32_t ScreenAdd(std::int32_t position, std::int32_t offset) {
   constexpr std::int64_t kLow = std::numeric_limits<std::int32_t>::min();
   constexpr std::int64_t kHigh = std::numeric_limits<std::int32_t>::max();

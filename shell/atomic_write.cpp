@@ -1,29 +1,95 @@
 #include "shell/atomic_write.h"
 
-#include <cstdio>
+#include <cerrno>
 #include <random>
+#include <system_error>
+#include <utility>
 
 namespace velmora {
+namespace {
 
-bool WriteWhole(const std::filesystem::path& path, std::string_view bytes, std::string& error) {
-  std::random_device random;
-  std::filesystem::path temp = path;
-  temp += ".part" + std::to_string(random());
-  std::FILE* file = std::fopen(temp.c_str(), "wbx");
-  if (file == nullptr) {
-    error = "can't write " + path.string();
-    return false;
-  }
-  const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-  const bool closed = std::fclose(file) == 0;
+std::string SystemReason(int error) {
+  return error != 0 ? std::generic_category().message(error) : "the system gave no reason";
+}
+
+// Makes the temporary file, so that a folder which takes no files is told before any work.
+bool CreateTemp(const std::filesystem::path& temp, std::ofstream& file, std::string& reason) {
+  errno = 0;
+  file.open(temp, std::ios::binary | std::ios::trunc);
+  if (file) return true;
+  reason = SystemReason(errno);
+  return false;
+}
+
+bool Replace(const std::filesystem::path& temp, const std::filesystem::path& path,
+             std::string& reason) {
   std::error_code ec;
-  if (written && closed) std::filesystem::rename(temp, path, ec);
-  if (!written || !closed || ec) {
-    std::filesystem::remove(temp, ec);
-    error = "can't write " + path.string() + " (disk full or no permission?)";
+  std::filesystem::rename(temp, path, ec);
+  if (!ec) return true;
+  reason = ec.message();
+  std::filesystem::remove(temp, ec);
+  return false;
+}
+
+void Discard(const std::filesystem::path& temp) {
+  std::error_code ec;
+  std::filesystem::remove(temp, ec);
+}
+
+}  // namespace
+
+std::filesystem::path TempPath(const std::filesystem::path& path) {
+  std::random_device random;
+  const std::string name =
+      "." + path.stem().string() + ".part" + std::to_string(random()) + path.extension().string();
+  return path.parent_path() / name;
+}
+
+bool WriteWhole(const std::filesystem::path& path, const FileFiller& fill, std::string& reason) {
+  const std::filesystem::path temp = TempPath(path);
+  std::ofstream probe;
+  if (!CreateTemp(temp, probe, reason)) return false;
+  probe.close();
+  if (!fill(temp)) {
+    reason = "its content could not be written";
+    Discard(temp);
     return false;
   }
+  return Replace(temp, path, reason);
+}
+
+bool WriteWhole(const std::filesystem::path& path, std::string_view bytes, std::string& reason) {
+  WholeFile file;
+  if (!file.open(path, reason)) return false;
+  file.stream().write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  return file.commit(reason);
+}
+
+WholeFile::~WholeFile() {
+  if (temp_.empty()) return;
+  file_.close();
+  Discard(temp_);
+}
+
+bool WholeFile::open(const std::filesystem::path& path, std::string& reason) {
+  const std::filesystem::path temp = TempPath(path);
+  if (!CreateTemp(temp, file_, reason)) return false;
+  path_ = path;
+  temp_ = temp;
   return true;
+}
+
+bool WholeFile::commit(std::string& reason) {
+  if (temp_.empty()) return true;
+  errno = 0;
+  file_.close();
+  const std::filesystem::path temp = std::exchange(temp_, {});
+  if (!file_) {
+    reason = SystemReason(errno);
+    Discard(temp);
+    return false;
+  }
+  return Replace(temp, path_, reason);
 }
 
 }  // namespace velmora

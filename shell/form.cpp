@@ -8,6 +8,7 @@
 #include "data/files.h"
 #include "data/index_search.h"
 #include "data/numbers.h"
+#include "data/runway_text.h"
 #include "data/text.h"
 #include "data/vor.h"
 
@@ -28,8 +29,11 @@ std::string LongLinesText(int count) {
 
 std::string VorProblem(const VorReport& r) {
   const std::string file(kVorFileName);
-  if (r.notRegular) return file + " is not a VOR list Velmora can read: the chart shows no VORs";
-  if (!r.opened || r.readError) return file + " could not be read: the chart shows no VORs";
+  if (auto problem =
+          FileProblem(r, file + " is not a VOR list Velmora can read: the chart shows no VORs",
+                      file + " could not be read: the chart shows no VORs")) {
+    return *problem;
+  }
   std::string text;
   if (r.skipped > 0) text = std::to_string(r.skipped) + " unreadable lines skipped";
   if (r.dropped > 0) {
@@ -52,9 +56,7 @@ std::string LongLinesNote(int count) {
 }  // namespace
 
 std::string ApproachRowText(const ApproachRow& a) {
-  std::string text = a.type + " " + a.runway;
-  if (a.designator != "NONE" && !a.designator.empty()) text += a.designator.front();
-  return text;
+  return a.type + " " + a.runway + DesignatorLetter(a.designator);
 }
 
 ArptForm::ArptForm(Store& store, Canvas& canvas, std::filesystem::path dataDir)
@@ -89,13 +91,11 @@ void ArptForm::cmdSearch_Click() {
     setCaption(std::string(kProgress[static_cast<std::size_t>(dots)]) + SearchIdent);
   });
   controls_.txtSearch.text.clear();
-  if (r.notRegular) {
-    setCaption(std::string(kIndexFileName) + " is not an index Velmora can read - no search for " +
-               SearchIdent);
-    return;
-  }
-  if (!r.opened || r.readError) {
-    setCaption(std::string(kIndexFileName) + " could not be read - no search for " + SearchIdent);
+  const std::string index(kIndexFileName);
+  if (auto problem =
+          FileProblem(r, index + " is not an index Velmora can read - no search for " + SearchIdent,
+                      index + " could not be read - no search for " + SearchIdent)) {
+    setCaption(std::move(*problem));
     return;
   }
   // An index without lines leaves the last code as it was.
@@ -141,13 +141,12 @@ void ArptForm::cmdArpt_Click() {
     report = ExtractArpt(store_, *file, SearchIdent);
   } else {
     store_.ClearArpt();
+    report.notRegular = true;
   }
-  if (!file || report.notRegular) {
-    failLoad(shown + " is not an airport file Velmora can read - no chart for " + SearchIdent);
-    return;
-  }
-  if (!report.opened || report.readError) {
-    failLoad("The airport file " + shown + " could not be read - no chart for " + SearchIdent);
+  if (auto problem = FileProblem(
+          report, shown + " is not an airport file Velmora can read - no chart for " + SearchIdent,
+          "The airport file " + shown + " could not be read - no chart for " + SearchIdent)) {
+    failLoad(std::move(*problem));
     return;
   }
   if (!report.found) {

@@ -111,9 +111,9 @@ int RunIndex(const IndexOptions& options, std::ostream& out, std::ostream& err, 
     out << text << std::flush;
     return out ? 0 : 1;
   }
-  std::string error;
-  if (!WriteWhole(target, text, error)) {
-    err << error << '\n';
+  std::string reason;
+  if (!WriteWhole(target, text, reason)) {
+    err << "can't write " << target.string() << " (" << reason << ")\n";
     return 1;
   }
   return 0;

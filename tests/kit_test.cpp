@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "charts/fit.h"
+#include "shell/chart_name.h"
 #include "shell/chart_run.h"
 #include "test_support.h"
 

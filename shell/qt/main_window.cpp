@@ -43,18 +43,21 @@ QFont ConsoleFont(double points, bool bold) {
   return font;
 }
 
+// Disabled lists still say what they are for ("Approach", "XWHL APP"): grey, not faint.
+constexpr Rgb kDisabledListText{96, 96, 96};
+
 // A 48 x 48 icon in 256 colours: a runway under an approach arrow.
 QIcon MakeIcon() {
   QImage image(48, 48, QImage::Format_RGB32);
-  image.fill(QColor(212, 208, 200));
+  image.fill(ToQColor(kPictureBackground));
   QPainter p(&image);
   p.setRenderHint(QPainter::Antialiasing);
-  p.setPen(QPen(Qt::black, 5));
+  p.setPen(QPen(ToQColor(kBlack), 5));
   p.drawLine(10, 38, 38, 10);
-  p.setPen(QPen(QColor(0, 128, 0), 2));
+  p.setPen(QPen(ToQColor(kGreen), 2));
   p.drawLine(6, 22, 20, 22);
   p.drawLine(26, 42, 26, 28);
-  p.setPen(QPen(QColor(0, 0, 255), 2));
+  p.setPen(QPen(ToQColor(kBlue), 2));
   p.drawEllipse(QPoint(36, 36), 6, 6);
   p.end();
   return QIcon(QPixmap::fromImage(image.convertToFormat(QImage::Format_Indexed8)));
@@ -90,17 +93,6 @@ void ShowButton(QPushButton* button, const Control& state) {
   text.replace('\r', '\n');
   button->setText(text);
   button->setEnabled(state.enabled);
-}
-
-bool SavePicture(const RecordingCanvas& picture, const std::filesystem::path& path, double scale) {
-  std::ostringstream ignored;  // the window says it in the caption
-  return WriteWhole(
-      path,
-      [&](const std::filesystem::path& temp) {
-        return PictureExtension(path) == ".svg" ? WriteSvg(picture, temp, ignored)
-                                                : WritePicture(picture, temp, scale, ignored);
-      },
-      ignored);
 }
 
 bool AskPrinter(QWidget* parent, QPrinter& printer) {
@@ -192,68 +184,8 @@ MainWindow::MainWindow(std::filesystem::path dataDir, const std::string& command
   setPalette(black);
   setAutoFillBackground(true);
 
-  picArpt_ = new ChartView(this);
-  picArpt_->setGeometry(TwipRect(120, 120, 14415, 10215));
-  txtSearch_ = new QLineEdit(this);
-  txtSearch_->setGeometry(TwipRect(14520, 600, 1215, 375));
-  txtSearch_->setFont(ConsoleFont(9.75, true));
-  cmdSearch_ = new QPushButton("Search", this);
-  cmdSearch_->setGeometry(TwipRect(15720, 600, 975, 735));
-  cmdSearch_->setDefault(true);
-  lblSearch_ = new QLabel("    ICAO Code", this);
-  lblSearch_->setGeometry(TwipRect(14520, 120, 2175, 375));
-  QPalette label = lblSearch_->palette();
-  label.setColor(QPalette::Window, Qt::black);
-  label.setColor(QPalette::WindowText,
-                 QColor(kPictureBackground.r, kPictureBackground.g, kPictureBackground.b));
-  lblSearch_->setPalette(label);
-  lblSearch_->setAutoFillBackground(true);
-  cmdExit_ = new QPushButton("EXIT", this);
-  cmdExit_->setGeometry(TwipRect(15600, 9360, 1095, 855));
-  cmdArpt_ = new QPushButton("APP Chart", this);
-  cmdArpt_->setGeometry(TwipRect(14640, 1440, 2055, 975));
-  cmdPlus_ = new QPushButton("Zoom In", this);
-  cmdPlus_->setGeometry(TwipRect(14760, 5880, 975, 975));
-  cmdMinus_ = new QPushButton("Zoom Out", this);
-  cmdMinus_->setGeometry(TwipRect(15720, 5880, 975, 975));
-  cmdZoom_ = new QPushButton("Reset Zoom", this);
-  cmdZoom_->setGeometry(TwipRect(14760, 5040, 1935, 735));
-  cmbAPP_ = new QComboBox(this);
-  cmbAPP_->setGeometry(TwipRect(14640, 2520, 2055, 405));
-  cmbTerm_ = new QComboBox(this);
-  cmbTerm_->setGeometry(TwipRect(14640, 3960, 2055, 405));
-  for (QComboBox* box : {cmbAPP_, cmbTerm_}) {
-    box->setEditable(true);
-    box->setInsertPolicy(QComboBox::NoInsert);
-    box->setFont(ConsoleFont(14.25, false));
-    // Disabled, the list still says what it is for ("Approach", "XWHL APP"): grey, not faint.
-    QPalette readable = box->palette();
-    readable.setColor(QPalette::Disabled, QPalette::Text, QColor(96, 96, 96));
-    readable.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(96, 96, 96));
-    box->setPalette(readable);
-    // Typing into the edit field picks nothing: no completion, and neither Enter nor leaving
-    // the field looks the text up among the rows.
-    box->setCompleter(nullptr);
-    QObject::disconnect(box->lineEdit(), &QLineEdit::editingFinished, box, nullptr);
-    QObject::disconnect(box->lineEdit(), &QLineEdit::returnPressed, box, nullptr);
-  }
-  for (auto [widget, name] :
-       std::initializer_list<std::pair<QWidget*, const char*>>{{picArpt_, "picArpt"},
-                                                               {txtSearch_, "txtSearch"},
-                                                               {cmdSearch_, "cmdSearch"},
-                                                               {lblSearch_, "lblSearch"},
-                                                               {cmdExit_, "cmdExit"},
-                                                               {cmdArpt_, "cmdArpt"},
-                                                               {cmdPlus_, "cmdPlus"},
-                                                               {cmdMinus_, "cmdMinus"},
-                                                               {cmdZoom_, "cmdZoom"},
-                                                               {cmbAPP_, "cmbAPP"},
-                                                               {cmbTerm_, "cmbTerm"}}) {
-    widget->setObjectName(name);
-  }
-  QWidget* order[] = {picArpt_, txtSearch_, cmdSearch_, cmdExit_, cmdArpt_,
-                      cmdPlus_, cmdMinus_,  cmdZoom_,   cmbAPP_,  cmbTerm_};
-  for (std::size_t i = 0; i + 1 < std::size(order); ++i) setTabOrder(order[i], order[i + 1]);
+  makeControls();
+  placeControls();
 
   form_ = std::make_unique<ArptForm>(*store_, picArpt_->canvas(), std::move(dataDir));
   form_->onCaption = [this](const std::string& text) {
@@ -261,17 +193,84 @@ MainWindow::MainWindow(std::filesystem::path dataDir, const std::string& command
     // The search's progress must show while the scan runs.
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
   };
+  connectControls();
 
+  run([&] { form_->Form_Load(Utf8ToCp1252(commandLine)); });
+  txtSearch_->setFocus();
+}
+
+void MainWindow::makeControls() {
+  picArpt_ = new ChartView(this);
+  txtSearch_ = new QLineEdit(this);
+  txtSearch_->setFont(ConsoleFont(9.75, true));
+  cmdSearch_ = new QPushButton("Search", this);
+  cmdSearch_->setDefault(true);
+  lblSearch_ = new QLabel("    ICAO Code", this);
+  QPalette label = lblSearch_->palette();
+  label.setColor(QPalette::Window, Qt::black);
+  label.setColor(QPalette::WindowText, ToQColor(kPictureBackground));
+  lblSearch_->setPalette(label);
+  lblSearch_->setAutoFillBackground(true);
+  cmdExit_ = new QPushButton("EXIT", this);
+  cmdArpt_ = new QPushButton("APP Chart", this);
+  cmdPlus_ = new QPushButton("Zoom In", this);
+  cmdMinus_ = new QPushButton("Zoom Out", this);
+  cmdZoom_ = new QPushButton("Reset Zoom", this);
+  cmbAPP_ = new QComboBox(this);
+  cmbTerm_ = new QComboBox(this);
+  for (QComboBox* box : {cmbAPP_, cmbTerm_}) {
+    box->setEditable(true);
+    box->setInsertPolicy(QComboBox::NoInsert);
+    box->setFont(ConsoleFont(14.25, false));
+    QPalette readable = box->palette();
+    readable.setColor(QPalette::Disabled, QPalette::Text, ToQColor(kDisabledListText));
+    readable.setColor(QPalette::Disabled, QPalette::ButtonText, ToQColor(kDisabledListText));
+    box->setPalette(readable);
+    // Typing into the edit field picks nothing: no completion, and neither Enter nor leaving
+    // the field looks the text up among the rows.
+    box->setCompleter(nullptr);
+    QObject::disconnect(box->lineEdit(), &QLineEdit::editingFinished, box, nullptr);
+    QObject::disconnect(box->lineEdit(), &QLineEdit::returnPressed, box, nullptr);
+  }
+}
+
+void MainWindow::placeControls() {
+  struct Place {
+    QWidget* widget;
+    const char* name;
+    int left, top, width, height;  // twips
+    bool control;                  // takes focus: in the tab order, with Enter seen by eventFilter
+  };
+  // In tab order.
+  const Place places[] = {
+      {picArpt_, "picArpt", 120, 120, 14415, 10215, true},
+      {lblSearch_, "lblSearch", 14520, 120, 2175, 375, false},
+      {txtSearch_, "txtSearch", 14520, 600, 1215, 375, true},
+      {cmdSearch_, "cmdSearch", 15720, 600, 975, 735, true},
+      {cmdExit_, "cmdExit", 15600, 9360, 1095, 855, true},
+      {cmdArpt_, "cmdArpt", 14640, 1440, 2055, 975, true},
+      {cmdPlus_, "cmdPlus", 14760, 5880, 975, 975, true},
+      {cmdMinus_, "cmdMinus", 15720, 5880, 975, 975, true},
+      {cmdZoom_, "cmdZoom", 14760, 5040, 1935, 735, true},
+      {cmbAPP_, "cmbAPP", 14640, 2520, 2055, 405, true},
+      {cmbTerm_, "cmbTerm", 14640, 3960, 2055, 405, true},
+  };
+  QWidget* previous = nullptr;
+  for (const Place& p : places) {
+    p.widget->setObjectName(p.name);
+    p.widget->setGeometry(TwipRect(p.left, p.top, p.width, p.height));
+    if (!p.control) continue;
+    if (previous != nullptr) setTabOrder(previous, p.widget);
+    previous = p.widget;
+    // Enter goes where the desktop sends it; see eventFilter.
+    p.widget->installEventFilter(this);
+    if (auto* box = qobject_cast<QComboBox*>(p.widget)) box->lineEdit()->installEventFilter(this);
+  }
+}
+
+void MainWindow::connectControls() {
   connect(txtSearch_, &QLineEdit::textEdited, this,
           [this](const QString& text) { form_->setSearchText(Utf8ToCp1252(text.toStdString())); });
-  connect(cmdSearch_, &QPushButton::clicked, this,
-          [this] { run([&] { form_->cmdSearch_Click(); }); });
-  // Enter goes where the desktop sends it; see eventFilter.
-  for (QWidget* w : std::initializer_list<QWidget*>{
-           picArpt_, txtSearch_, cmdSearch_, cmdExit_, cmdArpt_, cmdPlus_, cmdMinus_, cmdZoom_,
-           cmbAPP_, cmbAPP_->lineEdit(), cmbTerm_, cmbTerm_->lineEdit()}) {
-    w->installEventFilter(this);
-  }
   connect(new QShortcut(QKeySequence::Print, this), &QShortcut::activated, this,
           &MainWindow::printChart);
   connect(new QShortcut(QKeySequence::Save, this), &QShortcut::activated, this,
@@ -281,19 +280,20 @@ MainWindow::MainWindow(std::filesystem::path dataDir, const std::string& command
     if (button->isEnabled()) button->click();
   });
   connect(cmdExit_, &QPushButton::clicked, this, &QWidget::close);
-  connect(cmdArpt_, &QPushButton::clicked, this, [this] { run([&] { form_->cmdArpt_Click(); }); });
-  connect(cmdPlus_, &QPushButton::clicked, this, [this] { run([&] { form_->cmdPlus_Click(); }); });
-  connect(cmdMinus_, &QPushButton::clicked, this,
-          [this] { run([&] { form_->cmdMinus_Click(); }); });
-  connect(cmdZoom_, &QPushButton::clicked, this, [this] { run([&] { form_->cmdZoom_Click(); }); });
-  connect(cmbAPP_, &QComboBox::activated, this,
-          [this](int row) { run([&] { form_->cmbAPP_Click(row); }); });
+  const std::pair<QPushButton*, void (ArptForm::*)()> buttons[] = {
+      {cmdSearch_, &ArptForm::cmdSearch_Click},
+      {cmdArpt_, &ArptForm::cmdArpt_Click},
+      {cmdPlus_, &ArptForm::cmdPlus_Click},
+      {cmdMinus_, &ArptForm::cmdMinus_Click},
+      {cmdZoom_, &ArptForm::cmdZoom_Click}};
+  for (const auto& [button, click] : buttons) {
+    connect(button, &QPushButton::clicked, this,
+            [this, click] { run([&] { (*form_.*click)(); }); });
+  }
+  connect(cmbAPP_, &QComboBox::activated, this, &MainWindow::pick);
   connect(picArpt_, &ChartView::pressed, this, [this](int button, int shift, double x, double y) {
     run([&] { form_->picArpt_MouseDown(button, shift, x, y); });
   });
-
-  run([&] { form_->Form_Load(Utf8ToCp1252(commandLine)); });
-  txtSearch_->setFocus();
 }
 
 MainWindow::~MainWindow() = default;
@@ -334,9 +334,13 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
   return true;
 }
 
+void MainWindow::pick(int row) {
+  run([&] { form_->cmbAPP_Click(row); });
+}
+
 void MainWindow::pickShownRow() {
   const int row = cmbAPP_->currentIndex();
-  if (cmbAPP_->isEnabled() && row >= 0) emit cmbAPP_->activated(row);
+  if (cmbAPP_->isEnabled() && row >= 0) pick(row);
 }
 
 void MainWindow::printChart() {
@@ -370,8 +374,15 @@ void MainWindow::saveChart() {
   const std::string ext = PictureExtension(path);
   if (ext != ".png" && ext != ".svg" && ext != ".pdf") {
     setWindowTitle("Charts are saved as .png, .svg or .pdf - nothing saved");
-  } else if (!SavePicture(picArpt_->recording(), path, choice->scale)) {
-    setWindowTitle(QString("Could not write %1 - nothing saved").arg(choice->path));
+    return;
+  }
+  std::ostringstream ignored;  // velmora-chart's words; the window gives the reason instead
+  std::string reason;
+  const PictureWriter writer = WritePicture;
+  if (!WriteWhole(path, PictureFiller(picArpt_->recording(), path, choice->scale, writer, ignored),
+                  reason)) {
+    setWindowTitle(QString("Could not write %1 - nothing saved (%2)")
+                       .arg(choice->path, QString::fromStdString(reason)));
   } else {
     setWindowTitle(QString("Chart saved as %1").arg(choice->path));
   }

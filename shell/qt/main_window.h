@@ -94,7 +94,12 @@ class MainWindow final : public QWidget {
  private:
   template <class Handler>
   void run(Handler handler);
+  void makeControls();
+  void placeControls();
+  void connectControls();
   void showState(const Controls& c);
+  // A pick of cmbAPP's row, by the mouse or by the keyboard.
+  void pick(int row);
   void pickShownRow();
 
   std::unique_ptr<Store> store_;

@@ -104,7 +104,7 @@ class KitPdf final : public KitDocument {
       err << "velmora-chart: " << path.string() << ": no pages were written\n";
       return false;
     }
-    return WriteWhole(
+    return WriteOutput(
         path, [&](const std::filesystem::path& temp) { return addOutline(temp, err); }, err);
   }
 

@@ -6,11 +6,12 @@
 #include "data/text.h"
 
 namespace velmora {
-namespace {
 
 QColor ToQColor(Rgb c) {
   return QColor(c.r, c.g, c.b);
 }
+
+namespace {
 
 // Painters count screen pixels of 15 twips: Qt lays out text fastest untransformed.
 double Px(double twips) {
@@ -126,7 +127,7 @@ void RasterCanvas::setPixelRatio(double pixelRatio) {
   const int h = static_cast<int>(std::ceil(Height / double(kTwipsPerPixel) * ratio_));
   image_ = QImage(w, h, QImage::Format_RGB32);
   image_.setDevicePixelRatio(ratio_);
-  image_.fill(QColor(kPictureBackground.r, kPictureBackground.g, kPictureBackground.b));
+  image_.fill(ToQColor(kPictureBackground));
   painter_.begin(&image_);
   painter_.setRenderHint(QPainter::Antialiasing);
   painter_.setRenderHint(QPainter::TextAntialiasing);

@@ -2,6 +2,7 @@
 // The chart canvas on Qt: a QPainter in screen pixels of 15 twips. RasterCanvas keeps the picture
 // in a QImage, so a covered window loses nothing and the window and a PNG show the same pixels.
 
+#include <QColor>
 #include <QFont>
 #include <QHash>
 #include <QImage>
@@ -13,6 +14,8 @@
 #include "geometry/canvas.h"
 
 namespace velmora {
+
+QColor ToQColor(Rgb c);
 
 // "Lucida Sans Unicode" where the machine has it, else DejaVu Sans, which the build requires.
 QString ChartFontFamily();

@@ -306,7 +306,9 @@ TEST(WindowInput, ListsReadablePrintAndSaveAsOnScreen) {
   ChartOptions reference;
   reference.dataDir = data.path();
   reference.outPaths = {in("ref.svg").toStdString(), in("ref.pdf").toStdString()};
-  reference.steps = {"type:XWHL", "search", "load", "pick:0"};
+  for (const char* step : {"type:XWHL", "search", "load", "pick:0"}) {
+    reference.steps.push_back(ParseStep(step));
+  }
   std::ostringstream out, err;
   ASSERT_EQ(RunChart(reference, WritePicture, out, err), 0) << err.str();
 
