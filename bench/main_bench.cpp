@@ -133,8 +133,10 @@ void Summary(const Data& d) {
 
   std::printf("%-42s %-14s %-16s %7s  %-7s %s\n", "target", "measured", "baseline/budget", "ratio",
               "goal", "met");
-  RateRow("index search rate vs memchr count", "BM_SearchIndex", "BM_IndexLineCount", 0.5,
-          ">=0.50");
+  // The reader rows hold the rates reached, not only the floor the program needs, so that a
+  // slip of the line reader shows.
+  RateRow("index search rate vs memchr count", "BM_SearchIndex", "BM_IndexLineCount", 0.7,
+          ">=0.70");
   BudgetRow("LonToGrid + LatToGrid, one pair", Recorded("BM_CoordToGrid"), 100, "100 ns");
   {
     const auto allocs = Recorded("coord_allocs");
@@ -145,8 +147,8 @@ void Summary(const Data& d) {
         : *allocs == 0 ? "yes"
                        : "NO");
   }
-  RateRow("ExtractArpt rate vs memchr count", "BM_ExtractArpt", "BM_AirportFileLineCount", 0.4,
-          ">=0.40");
+  RateRow("ExtractArpt rate vs memchr count", "BM_ExtractArpt", "BM_AirportFileLineCount", 1.5,
+          ">=1.50");
   RateRow("velmora-index rate vs memchr count", "BM_BuildIndex", "BM_WorldLineCount", 0.5,
           ">=0.50");
   if (const auto ns = Recorded("BM_BuildIndex"); ns && Recorded("world_mb")) {

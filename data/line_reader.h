@@ -4,6 +4,7 @@
 // LF; the end mark is not part of the line. Lines are views into the buffer and stay valid
 // until the next call. A line longer than the limit is passed over whole and counted.
 
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <string_view>
@@ -45,6 +46,13 @@ class LineReader {
   void start();
   // Drops the unfinished line once it is over the limit.
   bool passOverLongLine();
+  // The line that the end of the input ends.
+  bool lastLine(std::string_view& line);
+  // The first CR or LF in [from, end_), or end_.
+  std::size_t lineEnd(std::size_t from);
+  // After the bytes move in the buffer.
+  void forgetMask() { maskAt_ = kNoMask; }
+  static constexpr std::size_t kNoMask = std::size_t(-1) / 2;
 
   std::FILE* file_ = nullptr;
   std::string_view memory_;
@@ -55,6 +63,9 @@ class LineReader {
   std::size_t end_ = 0;   // end of the bytes read
   std::size_t scan_ = 0;  // [pos_, scan_) is known to hold no line end
   std::size_t hunt_ = 0;  // [pos_, hunt_) is known to hold no start of the needle
+  // Line ends of the 64 bytes from maskAt_, one bit a byte.
+  std::size_t maskAt_ = kNoMask;
+  std::uint64_t mask_ = 0;
   bool eof_ = false;
   bool failed_ = false;
   bool skipping_ = false;  // inside a line that is over the limit

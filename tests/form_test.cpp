@@ -166,10 +166,24 @@ TEST(Form, BadFilesAreToldInTheCaptionAndDrawNothing) {
     EXPECT_EQ(Count(t, "0,0,255"), 0) << code;  // no VOR list, no VORs
     EXPECT_EQ(h.form().controls().caption, told == kFound ? kFound : noChart);
   }
-  // A full VOR list loads silently; a line too short and one without numbers are counted.
-  d.write("vor.nav", CrLf({"VOR A;10;2.00;9;59.00;H;VOA;113.40", "x;1", "y;a;b;c;d;e;f;g"}));
-  EXPECT_EQ(Harness(d.path()).form().controls().caption,
-            "Velmora - vor.nav: 2 unreadable lines skipped");
+}
+
+// A sound VOR list loads silently; lines it can't use are counted in the caption.
+TEST(Form, VorListProblemsInTheCaption) {
+  const std::string vor = "VOR A;10;2.00;9;59.00;H;VOA;113.40";
+  const struct {
+    Lines lines;
+    std::string caption;
+  } cases[] = {
+      {{vor}, "Velmora"},
+      {{vor, "x;1", "y;a;b;c;d;e;f;g"}, "Velmora - vor.nav: 2 unreadable lines skipped"},
+      {Lines(8003, vor), "Velmora - vor.nav: 2 VORs beyond the first 8001 dropped"},
+  };
+  for (const auto& c : cases) {
+    TempDir d;
+    d.write("vor.nav", CrLf(c.lines));
+    EXPECT_EQ(Harness(d.path()).form().controls().caption, c.caption);
+  }
 }
 
 TEST(ChartRun, StepsStatusAndState) {

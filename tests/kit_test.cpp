@@ -21,6 +21,9 @@ const GenApproach kNorth{"NDB", "36", {{7000, 1500}, {7400, 1700}, {7200, 1900},
 // A little taller than the sheet's room for fixes at the default zoom.
 const GenApproach kTall{"LOC", "18", {{7000, 1200}, {7200, 5000}, {7000, 9000}}};
 const GenApproach kWide{"VOR", "27", {{-6000, 3000}, {2000, 4000}, {16000, 6000}, {21000, 7000}}};
+// Its first fix lies far north of the rest: the overlay draws a first fix wherever it lands,
+// so only the later ones hold the zoom back.
+const GenApproach kFirstFar{"RNAV", "9", {{7000, 600}, {7200, 3000}, {7000, 4000}, {6800, 3500}}};
 
 // Positions of the fix symbols in a trace: black circles of radius 30 and width 2.
 std::vector<std::pair<int, int>> FixSymbols(const Lines& trace) {
@@ -44,8 +47,9 @@ void Pick(Harness& h, int row) {
 
 TEST(Fit, ClosestViewHoldsEveryFixAndIsOneAUserCanReach) {
   TempDir d;
-  WriteAirports(d, {{"XGEN", {kCompact, kWide, kNorth, kTall}}});
-  for (const auto& [row, closer] : {std::pair{0, true}, {1, false}, {2, true}, {3, false}}) {
+  WriteAirports(d, {{"XGEN", {kCompact, kWide, kNorth, kTall, kFirstFar}}});
+  for (const auto& [row, closer] :
+       {std::pair{0, true}, {1, false}, {2, true}, {3, false}, {4, true}}) {
     Harness fit(d.path()), user(d.path());
     Pick(fit, row);
     const auto view = FitApproach(fit.store());

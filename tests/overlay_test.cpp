@@ -110,6 +110,8 @@ TEST(Overlay, HeadingLines) {
   cases[] = {
       {"ILS", "9", "NONE", "", {"ILS RWY 09L  110.30   A  95.0°", "ils rwy 09r  111.10   B  95.0°"},
        "09/NONE"},
+      // The runway matches the ILS name whatever the case of its letter.
+      {"ILS", "9", "RIGHT", "", {"ils rwy 09r  111.10   B  95.0°"}, "09/R"},
       {"VORDME", "0", "NONE", "VOA", {"VORDME  Visual APP  VOA  113.40"}, "00/NONE"},
       {"vor", "27", "RIGHT", "XXX", {"vor  27R  XXX  "}, "27/R"}};
   // clang-format on

@@ -15,7 +15,6 @@
 namespace velmora::test {
 namespace {
 
-using Lines = std::vector<std::string>;
 using S = const std::string&;
 
 Lines operator+(Lines a, const Lines& b) {

@@ -23,7 +23,6 @@ namespace velmora::test {
 namespace {
 
 namespace fs = std::filesystem;
-using Lines = std::vector<std::string>;
 
 struct Read {
   Lines lines;
@@ -103,6 +102,8 @@ TEST(LineReaderTest, LinesOverTheLimitArePassedOverWhole) {
       {"012345\n012345\n0KEY\n", "KEY", {{"0KEY"}, 0}},
       // Lines passed over on the way to a match count too.
       {"0123456789\r1234KEY\n", "KEY", {{"1234KEY"}, 1}},
+      // The key in the same buffer as the lone CR that ends a long line: that line counts once.
+      {"0123456789\rKEY\n", "KEY", {{"KEY"}, 1}},
       {x20 + "\n" + x20 + "\nKEYa", "KEY", {{"KEYa"}, 2}},
       {"aaa\nbbb", "KEY", {{}, 0}},
   };

@@ -2,6 +2,8 @@
 
 #include <QApplication>
 #include <QStandardPaths>
+#include <chrono>
+#include <cstdio>
 #include <locale>
 #include <stdexcept>
 
@@ -9,6 +11,32 @@
 #include "shell/qt/main_window.h"
 #include "shell/qt/qt_canvas.h"
 #include "shell/qt/qt_paths.h"
+
+namespace {
+
+// With VELMORA_PAINT_TIME set, the wall-clock time of the window's first paint goes to stderr
+// as "first paint NS" (ns since the epoch), so bench/window_figures.sh measures the start
+// itself rather than how often it looks for the window.
+class FirstPaint final : public QObject {
+ public:
+  explicit FirstPaint(const QWidget& window) : window_(window) {}
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    const auto* widget = qobject_cast<QWidget*>(watched);
+    if (event->type() == QEvent::Paint && widget != nullptr && widget->window() == &window_) {
+      const auto ns = std::chrono::duration_cast<std::chrono::nanoseconds>(
+          std::chrono::system_clock::now().time_since_epoch());
+      std::fprintf(stderr, "first paint %lld\n", static_cast<long long>(ns.count()));
+      std::fflush(stderr);
+      QCoreApplication::instance()->removeEventFilter(this);
+    }
+    return false;
+  }
+
+ private:
+  const QWidget& window_;
+};
+
+}  // namespace
 
 int main(int argc, char** argv) {
   QApplication app(argc, argv);
@@ -31,6 +59,8 @@ int main(int argc, char** argv) {
   if (const std::string hint = velmora::NoDataCaption(dataDir); !hint.empty()) {
     window.setWindowTitle(QString::fromStdString(hint));
   }
+  FirstPaint firstPaint(window);
+  if (!qEnvironmentVariableIsEmpty("VELMORA_PAINT_TIME")) app.installEventFilter(&firstPaint);
   window.show();
   return app.exec();
 }

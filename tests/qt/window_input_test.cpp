@@ -112,12 +112,6 @@ void ExpectRowsReadable(QComboBox* box) {
   }
 }
 
-std::string Bytes(const std::filesystem::path& file) {
-  std::stringstream s;
-  s << std::ifstream(file, std::ios::binary).rdbuf();
-  return s.str();
-}
-
 TEST(WindowInput, WholeRoadByKeyboard) {
   Pilot p(SampleDir(), "road");
   auto* apps = p.at<QComboBox>("cmbAPP");
@@ -251,7 +245,7 @@ TEST(WindowInput, ListsReadablePrintAndSaveAsOnScreen) {
   // The sample with one approach named longer than the box is wide.
   TempDir data, dir;
   std::filesystem::copy(SampleDir(), data.path(), std::filesystem::copy_options::recursive);
-  std::string bytes = Bytes(data.path() / "FSXFiles" / "sample_west.txt");
+  std::string bytes = Slurp(data.path() / "FSXFiles" / "sample_west.txt");
   bytes.replace(bytes.find("type=\"VORDME\""), 13, "type=\"LOCALIZER_BACKCOURSE\"");
   data.write("FSXFiles/sample_west.txt", bytes);
   const auto in = [&](const char* name) {
@@ -328,7 +322,7 @@ TEST(WindowInput, ListsReadablePrintAndSaveAsOnScreen) {
   // At 1.5 a few edge pixels of the replay fall otherwise than those drawn live.
   EXPECT_LT(PixelsUnlike(QImage(in("saved.png")), screen), 50);
   EXPECT_GT(PixelsUnlike(QImage(in("saved.png")), loaded), 5000);
-  EXPECT_EQ(Bytes(dir.path() / "saved.svg"), Bytes(dir.path() / "ref.svg"));
+  EXPECT_EQ(Slurp(dir.path() / "saved.svg"), Slurp(dir.path() / "ref.svg"));
   const QImage savedPdf = RenderPdf(in("saved.pdf"), 40);
   EXPECT_FALSE(savedPdf.isNull());
   EXPECT_EQ(savedPdf, RenderPdf(in("ref.pdf"), 40));
@@ -339,7 +333,7 @@ TEST(WindowInput, ListsReadablePrintAndSaveAsOnScreen) {
   const QImage page = RenderPdf(in("printed.pdf"), 90);
   ASSERT_FALSE(page.isNull());
   EXPECT_GT(page.width(), page.height());  // landscape
-  EXPECT_EQ(Bytes(dir.path() / "printed.pdf").find("/Subtype /Image"),
+  EXPECT_EQ(Slurp(dir.path() / "printed.pdf").find("/Subtype /Image"),
             std::string::npos);  // vector
   const int unlike = CellsUnlikeScreen(page, screen);
   EXPECT_LT(unlike, 40);
