@@ -127,6 +127,15 @@ fetch_source() {
 source_dir() { find "$SRC/$1" -mindepth 1 -maxdepth 1 -type d | head -n1; }
 
 # ---------------------------------------------------------------- stages
+# CPU_NOW = CPU seconds (user+sys) of this shell's finished children, from the builtin
+# `times` (not in a $(...) subshell: that one has no children yet).
+children_cpu() {
+  local f=$ROOT/.times.$$
+  times >"$f"
+  CPU_NOW=$(awk 'NR==2 { t=0; for (i=1; i<=2; i++) { split($i, a, /[ms]/); t += a[1]*60 + a[2] } printf "%.0f\n", t }' "$f")
+  rm -f "$f"
+}
+
 run_stage() {
   local stage=$1
   if [ -e "$STAMPS/$stage.done" ]; then
@@ -139,13 +148,15 @@ run_stage() {
   flock "$lock"
   if [ -e "$STAMPS/$stage.done" ]; then flock -u "$lock"; return; fi
   log "$stage: start"
-  local t0=$SECONDS
+  local t0=$SECONDS c0 c1
+  children_cpu; c0=$CPU_NOW
   "stage_$stage"
   relocate_pc_files
   local dt=$((SECONDS - t0))
-  echo "$stage $dt" >>"$ROOT/timings.txt"
+  children_cpu; c1=$CPU_NOW
+  echo "$stage wall=${dt}s cpu=$((c1 - c0))s" >>"$ROOT/timings.txt"
   touch "$STAMPS/$stage.done"
-  log "$stage: done in ${dt}s"
+  log "$stage: done in ${dt}s (cpu $((c1 - c0))s)"
   flock -u "$lock"
 }
 
@@ -259,6 +270,10 @@ for s in "${ALL_STAGES[@]}"; do
     echo "$PREFIX"
     exit 0
   fi
+done
+# The MinGW runtime that every DLL and .exe here needs, so bin/ is complete.
+for dll in libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll; do
+  cp -f "$(x86_64-w64-mingw32-g++-posix -print-file-name=$dll)" "$PREFIX/bin/"
 done
 touch "$DONE"
 log "all stages done (timings in $ROOT/timings.txt)"
