@@ -252,8 +252,10 @@ stage_qpdf() {
   # The lib component also installs qpdf/extra-dlls (MinGW runtime DLLs that
   # qpdf's copy_dlls collects next to qpdf.exe, which is not built here): leave it empty.
   mkdir -p "$b/qpdf/extra-dlls"
-  cmake --install "$b" --component lib
-  cmake --install "$b" --component dev
+  # The DLL, its import library and the CMake package files have no component
+  # ("Unspecified"); headers and libqpdf.pc are "dev".
+  local c
+  for c in Unspecified lib dev; do cmake --install "$b" --component "$c"; done
 }
 
 # ---------------------------------------------------------------- main
