@@ -73,8 +73,8 @@ struct BglReader::Impl {
   std::optional<Kind> childKind(std::string_view name) const {
     const Kind parent = stack.empty() ? Kind::kDocument : stack.back().kind;
     const bool top = std::find(kTopRecords.begin(), kTopRecords.end(), name) != kTopRecords.end();
-    if (parent == Kind::kDocument) return top ? (name == "Airport" ? Kind::kAirport : Kind::kSkip)
-                                              : Kind::kRoot;
+    if (parent == Kind::kDocument)
+      return top ? (name == "Airport" ? Kind::kAirport : Kind::kSkip) : Kind::kRoot;
     if (parent == Kind::kRoot && top) return name == "Airport" ? Kind::kAirport : Kind::kSkip;
     for (const Rule& r : kRules) {
       if (r.parent == parent && r.name == name) return r.kind;

@@ -80,10 +80,17 @@ Converted Measured(std::string_view text, char target, char plain, char letter, 
   const char unit = m.unit == 0 ? plain : m.unit;
   double metres = 0;
   switch (unit) {
-    case 'M': metres = *m.value; break;
-    case 'F': metres = *m.value * kFootMetres; break;
-    case 'N': metres = *m.value * kNauticalMileMetres; break;
-    default: return Problem(std::string("unit letter \"") + m.unit + "\" unknown (M, F, N)");
+    case 'M':
+      metres = *m.value;
+      break;
+    case 'F':
+      metres = *m.value * kFootMetres;
+      break;
+    case 'N':
+      metres = *m.value * kNauticalMileMetres;
+      break;
+    default:
+      return Problem(std::string("unit letter \"") + m.unit + "\" unknown (M, F, N)");
   }
   const double result = unit == target ? *m.value : metres * perMetre;
   if (!(std::fabs(result) <= limit)) return Problem("out of range");
@@ -140,7 +147,7 @@ std::optional<double> MarkedForm(std::string_view v, bool latitude) {
   const double magnitude = std::fabs(parts[0]) + (parts.size() > 1 ? parts[1] / 60 : 0) +
                            (parts.size() > 2 ? parts[2] / 3600 : 0);
   return (sign < 0 || parts[0] < 0 || (sign == 0 && std::signbit(parts[0]))) ? -magnitude
-                                                                                : magnitude;
+                                                                             : magnitude;
 }
 
 }  // namespace

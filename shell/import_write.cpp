@@ -25,8 +25,22 @@ struct Layout {
 };
 
 const std::array<Layout, 12> kLayouts = {{
-    {"Airport", "ident", "", "", "", {"country", "state", "city", "name", "lat", "lon", "alt", "magvar"}, "", true},
-    {"Runway", "number", "designator", "", "", {"lat", "lon", "length", "width", "surface"}, "", true},
+    {"Airport",
+     "ident",
+     "",
+     "",
+     "",
+     {"country", "state", "city", "name", "lat", "lon", "alt", "magvar"},
+     "",
+     true},
+    {"Runway",
+     "number",
+     "designator",
+     "",
+     "",
+     {"lat", "lon", "length", "width", "surface"},
+     "",
+     true},
     {"Start", "type", "", "number", "designator", {"lat", "lon"}, "heading", false},
     {"Ils", "end", "ident", "", "", {"frequency", "heading"}, "name", false},
     {"Com", "type", "", "", "", {"frequency"}, "name", false},
@@ -38,8 +52,11 @@ const std::array<Layout, 12> kLayouts = {{
     {"TransitionLegs", "", "", "", "", {}, "", true},
     {"Transition", "transitionType", "", "", "", {"fixType", "fixIdent"}, "", true},
 }};
-const Layout kLegLayout = {"Leg", "type", "", "", "",
-    {"fixIdent", "rho", "magneticCourse", "altitude1", "altitude2", "recommendedIdent"}, "", false};
+const Layout kLegLayout = {
+    "Leg", "type",
+    "",    "",
+    "",    {"fixIdent", "rho", "magneticCourse", "altitude1", "altitude2", "recommendedIdent"},
+    "",    false};
 
 const Layout* LayoutOf(std::string_view element) {
   if (element == "Leg") return &kLegLayout;
@@ -50,8 +67,12 @@ const Layout* LayoutOf(std::string_view element) {
 }
 
 using Converter = Converted (*)(std::string_view);
-Converted Lat(std::string_view v) { return CoordinateValue(v, true); }
-Converted Lon(std::string_view v) { return CoordinateValue(v, false); }
+Converted Lat(std::string_view v) {
+  return CoordinateValue(v, true);
+}
+Converted Lon(std::string_view v) {
+  return CoordinateValue(v, false);
+}
 
 // The values the reader reads and that carry a unit or a form of their own.
 Converter ConverterOf(std::string_view element, std::string_view key) {
@@ -77,10 +98,17 @@ std::string Escaped(std::string_view value) {
   out.reserve(value.size());
   for (char c : value) {
     switch (c) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '"': out += "&quot;"; break;
-      default: out += c;
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      default:
+        out += c;
     }
   }
   return out;
@@ -170,9 +198,18 @@ void Writer::element(const BglElement& e, int depth) {
 void Writer::children(const BglElement& e, int depth) {
   // Runways before starts, so that a runway and the start of its first end share a slot; the
   // approach's own legs before its transitions, which would otherwise claim them.
-  static const std::array<std::string_view, 12> kOrder = {
-      "Runway", "Start", "Com", "Ils", "Ndb", "Waypoint", "Approach",
-      "ApproachLegs", "MissedApproachLegs", "Transition", "TransitionLegs", "Leg"};
+  static const std::array<std::string_view, 12> kOrder = {"Runway",
+                                                          "Start",
+                                                          "Com",
+                                                          "Ils",
+                                                          "Ndb",
+                                                          "Waypoint",
+                                                          "Approach",
+                                                          "ApproachLegs",
+                                                          "MissedApproachLegs",
+                                                          "Transition",
+                                                          "TransitionLegs",
+                                                          "Leg"};
   for (std::string_view kind : kOrder) {
     for (const BglElement& c : e.children) {
       if (c.name == kind) element(c, depth);
@@ -273,7 +310,8 @@ ConvertedSource ConvertSource(const BglSource& source, const std::string& label)
     }
     const auto lat = Degrees(r, true);
     const auto lon = Degrees(r, false);
-    if (ident && lat && lon) out.navaids.push_back({*ident, r.name == "Ndb", *lat, *lon, std::move(text)});
+    if (ident && lat && lon)
+      out.navaids.push_back({*ident, r.name == "Ndb", *lat, *lon, std::move(text)});
   }
   return out;
 }
@@ -283,8 +321,9 @@ std::string AirportFileText(const ConvertedSource& source,
   std::string out;
   out += "<?xml version=\"1.0\" encoding=\"Windows-1252\"?>";
   out += kEol;
-  out += "<FSData version=\"9.0\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" "
-         "xsi:noNamespaceSchemaLocation=\"bglcomp.xsd\">";
+  out +=
+      "<FSData version=\"9.0\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" "
+      "xsi:noNamespaceSchemaLocation=\"bglcomp.xsd\">";
   out += kEol;
   for (std::size_t i = 0; i < source.airports.size(); ++i) {
     out += source.airports[i].text;

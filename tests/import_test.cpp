@@ -1,0 +1,231 @@
+// velmora-import: units, the reader's view of what was imported, bad and hostile sources.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <functional>
+
+#include "data/bgl_import.h"
+#include "data/extract.h"
+#include "data/vor.h"
+#include "shell/form.h"
+#include "shell/import_run.h"
+#include "shell/import_units.h"
+#include "shell/vor_merge.h"
+#include "tests/import/layouts.h"
+#include "tests/test_support.h"
+
+namespace velmora {
+namespace {
+
+using test::Slurp;
+using test::TempDir;
+
+struct UnitCase {
+  std::string source;
+  std::function<Converted(std::string_view)> convert;
+  std::string text;
+  bool problem = false;
+};
+
+TEST(ImportUnits, ConvertsToTheReadersForm) {
+  const auto lat = [](std::string_view v) { return CoordinateValue(v, true); };
+  const auto lon = [](std::string_view v) { return CoordinateValue(v, false); };
+  const std::vector<UnitCase> cases = {
+      {"N47 26.39", lat, "N47 26.39"},
+      {"49.2018527537584", lat, "N49 12.1112"},
+      {"-123.16384524107", lon, "W123 09.8307"},
+      {"N49* 12' 6.67\"", lat, "N49 12.1112"},
+      {"49\xB0 12' 6.67\" S", lat, "S49 12.1112"},
+      {"-0.001", lon, "W000 00.06"},
+      {"999", lat, "", true},
+      {"E10 20.00", lat, "", true},
+      {"N49* 75' 0\"", lat, "", true},
+      {"204.216M", LengthValue, "204.216M"},
+      {"1193.9", LengthValue, "1193.9M"},
+      {"10500F", LengthValue, "3200.4M"},
+      {"1N", LengthValue, "1852.0M"},
+      {"12K", LengthValue, "", true},
+      {"nan", LengthValue, "", true},
+      {"1e308M", LengthValue, "", true},
+      {"1694.688M", AltitudeValue, "5560.00F"},
+      {"5000.00F", AltitudeValue, "5000.00F"},
+      {"5000", AltitudeValue, "5000F"},
+      {"14264.05M", RhoValue, "15812.1"},
+      {"36338.1", RhoValue, "36338.1"},
+      {"2N", RhoValue, "4106.0"},
+      {"153", CourseValue, "153.0"},
+      {"160.0", CourseValue, "160.0"},
+      {"93.96", CourseValue, "94.0"},
+      {"-90", CourseValue, "270.0"},
+      {"1e9", CourseValue, "", true},
+      {"-21", MagvarValue, "339.000"},
+      {"355.000", MagvarValue, "355.000"},
+      {"6.5", MagvarValue, "6.5"},
+      {"-400", MagvarValue, "", true},
+  };
+  for (const UnitCase& c : cases) {
+    const Converted got = c.convert(c.source);
+    EXPECT_EQ(got.text, c.text) << c.source;
+    EXPECT_EQ(!got.problem.empty(), c.problem) << c.source;
+  }
+}
+
+// The importer's conversion of a value the reader reads, by element and key.
+std::string Expected(const BglElement& e, std::string_view key) {
+  const std::string* v = e.attr(key);
+  if (v == nullptr) return {};
+  if (key == "lat" || key == "lon") return CoordinateValue(*v, key == "lat").text;
+  if (key == "alt" || key == "length" || key == "width") return LengthValue(*v).text;
+  if (key == "magvar") return MagvarValue(*v).text;
+  if (key == "altitude1" || key == "altitude2") return AltitudeValue(*v).text;
+  if (key == "rho") return RhoValue(*v).text;
+  if (key == "magneticCourse") return CourseValue(*v).text;
+  return *v;
+}
+
+std::vector<const BglElement*> Children(const BglElement& e, std::string_view name) {
+  std::vector<const BglElement*> out;
+  for (const BglElement& c : e.children) {
+    if (c.name == name) out.push_back(&c);
+  }
+  return out;
+}
+
+void ExpectRunwaysAndRadios(const Store& s, const BglElement& a) {
+  const auto runways = Children(a, "Runway");
+  std::vector<const BglElement*> ils;
+  for (std::size_t k = 0; k < runways.size(); ++k) {
+    const RwyEndRow& row = s.RwyEnd[static_cast<std::int32_t>(2 * k)];
+    EXPECT_EQ(row.length, Expected(*runways[k], "length"));
+    EXPECT_EQ(row.width, Expected(*runways[k], "width"));
+    EXPECT_EQ(row.surface, Expected(*runways[k], "surface"));
+    for (const BglElement* i : Children(*runways[k], "Ils")) ils.push_back(i);
+  }
+  const auto starts = Children(a, "Start");
+  for (std::size_t i = 0; i < starts.size(); ++i) {
+    const RwyEndRow& row = s.RwyEnd[static_cast<std::int32_t>(i)];
+    EXPECT_EQ(row.type, Expected(*starts[i], "type"));
+    EXPECT_EQ(row.number, Expected(*starts[i], "number"));
+    EXPECT_EQ(row.designator, Expected(*starts[i], "designator"));
+    EXPECT_EQ(row.lat, Expected(*starts[i], "lat"));
+    EXPECT_EQ(row.lon, Expected(*starts[i], "lon"));
+  }
+  for (const BglElement* i : Children(a, "Ils")) ils.push_back(i);
+  for (std::size_t i = 0; i < ils.size(); ++i) {
+    const IlsRow& row = s.Ils[static_cast<std::int32_t>(i)];
+    EXPECT_EQ(row.end, Expected(*ils[i], "ident"));
+    EXPECT_EQ(row.frequency, Expected(*ils[i], "frequency"));
+    EXPECT_EQ(row.heading, Expected(*ils[i], "heading"));
+    EXPECT_EQ(row.name, Expected(*ils[i], "name"));
+  }
+  const auto coms = Children(a, "Com");
+  for (std::size_t i = 0; i < coms.size(); ++i) {
+    const ComRow& row = s.Com[static_cast<std::int32_t>(i)];
+    EXPECT_EQ(row.type, Expected(*coms[i], "type"));
+    EXPECT_EQ(row.frequency, Expected(*coms[i], "frequency"));
+    EXPECT_EQ(row.name, Expected(*coms[i], "name"));
+  }
+}
+
+void ExpectFixes(const Store& s, const BglElement& a) {
+  const auto ndbs = Children(a, "Ndb");
+  EXPECT_EQ(s.NdbLast, static_cast<std::int32_t>(ndbs.size()));
+  for (std::size_t i = 0; i < ndbs.size(); ++i) {
+    const NdbRow& row = s.Ndb[static_cast<std::int32_t>(i + 1)];
+    EXPECT_EQ(row.ident, Expected(*ndbs[i], "ident"));
+    EXPECT_EQ(row.frequency, Expected(*ndbs[i], "frequency"));
+    EXPECT_EQ(row.lat, Expected(*ndbs[i], "lat"));
+    EXPECT_EQ(row.lon, Expected(*ndbs[i], "lon"));
+  }
+  const auto waypoints = Children(a, "Waypoint");
+  for (std::size_t i = 0; i < waypoints.size(); ++i) {
+    const WaypointRow& row = s.Waypoint[static_cast<std::int32_t>(i)];
+    EXPECT_EQ(row.ident, Expected(*waypoints[i], "waypointIdent"));
+    EXPECT_EQ(row.lat, Expected(*waypoints[i], "lat"));
+    EXPECT_EQ(row.lon, Expected(*waypoints[i], "lon"));
+  }
+}
+
+void ExpectLeg(const Store& s, std::int32_t& slot, const BglElement& leg, std::int32_t app,
+               std::int32_t trans) {
+  const LegRow& row = s.Leg[slot++];
+  EXPECT_EQ(row.app, app);
+  EXPECT_EQ(row.trans, trans);
+  EXPECT_EQ(row.fixIdent, Expected(leg, "fixIdent"));
+  EXPECT_EQ(row.rho, Expected(leg, "rho"));
+  EXPECT_EQ(row.magneticCourse, Expected(leg, "magneticCourse"));
+  EXPECT_EQ(row.altitude, Expected(leg, leg.attr("altitude2") ? "altitude2" : "altitude1"));
+  EXPECT_EQ(row.recommendedIdent, Expected(leg, "recommendedIdent"));
+}
+
+void ExpectApproaches(const Store& s, const BglElement& a) {
+  std::int32_t leg = 0, trans = 0, app = 0;
+  for (const BglElement* ap : Children(a, "Approach")) {
+    const ApproachRow& row = s.Approach[app];
+    EXPECT_EQ(row.type, Expected(*ap, "type"));
+    EXPECT_EQ(row.runway, Expected(*ap, "runway"));
+    EXPECT_EQ(row.designator, Expected(*ap, "designator"));
+    for (const char* group : {"ApproachLegs", "MissedApproachLegs"}) {
+      for (const BglElement* g : Children(*ap, group)) {
+        for (const BglElement& l : g->children) ExpectLeg(s, leg, l, app, kApproachLeg);
+      }
+    }
+    for (const BglElement* t : Children(*ap, "Transition")) {
+      EXPECT_EQ(s.Trans[trans].app, app);
+      EXPECT_EQ(s.Trans[trans].fixType, Expected(*t, "fixType"));
+      EXPECT_EQ(s.Trans[trans].fixIdent, Expected(*t, "fixIdent"));
+      for (const BglElement* g : Children(*t, "TransitionLegs")) {
+        for (const BglElement& l : g->children) ExpectLeg(s, leg, l, app, trans);
+      }
+      ++trans;
+    }
+    ++app;
+  }
+  EXPECT_EQ(s.LegLast, std::max(leg - 1, 0));
+}
+
+void ExpectStoreHolds(const Store& s, const BglElement& a) {
+  const std::pair<const std::string*, const char*> fields[] = {
+      {&s.ArptCountry, "country"}, {&s.ArptState, "state"},  {&s.ArptCity, "city"},
+      {&s.ArptName, "name"},       {&s.ArptLat, "lat"},      {&s.ArptLon, "lon"},
+      {&s.ArptAlt, "alt"},         {&s.ArptMagvar, "magvar"}};
+  for (const auto& [field, key] : fields) EXPECT_EQ(*field, Expected(a, key)) << key;
+  ExpectRunwaysAndRadios(s, a);
+  ExpectFixes(s, a);
+  ExpectApproaches(s, a);
+}
+
+std::vector<std::filesystem::path> WriteSources(const TempDir& dir,
+                                                const std::vector<test::SourceFile>& files) {
+  std::vector<std::filesystem::path> paths;
+  for (const auto& f : files) paths.push_back(dir.write("src/" + f.name, f.bytes));
+  return paths;
+}
+
+// Each style: every airport the parser saw, read back by the reader from the imported file,
+// holds the parser's values converted.
+TEST(Import, TheReaderHoldsWhatTheParserSawConverted) {
+  for (const test::SourceStyle& style : test::SourceStyles()) {
+    if (style.navaidsApart) continue;  // copied fixes change the tables on purpose
+    SCOPED_TRACE(style.name);
+    TempDir dir;
+    const auto files = test::SampleSources(style);
+    std::ostringstream err;
+    const ImportResult result = RunImport({dir.path() / "data", WriteSources(dir, files)}, err);
+    EXPECT_EQ(result.status, 0) << err.str();
+    EXPECT_EQ(result.airports, 5);
+    auto store = std::make_unique<Store>();
+    for (const auto& f : files) {
+      for (const BglElement& a : ParseBgl(f.bytes).records) {
+        const ExtractReport report =
+            ExtractArpt(*store, dir.path() / "data" / kAirportFolder / f.name, *a.attr("ident"));
+        EXPECT_TRUE(report.found) << *a.attr("ident");
+        ExpectStoreHolds(*store, a);
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace velmora
