@@ -227,5 +227,133 @@ TEST(Import, TheReaderHoldsWhatTheParserSawConverted) {
   }
 }
 
+const char* const kGood =
+    "<FSData><Airport ident=\"XGOD\" name=\"Good\" lat=\"10\" lon=\"20\" alt=\"5M\">"
+    "<Runway number=\"1\" lat=\"10\" lon=\"20\" length=\"100M\" width=\"10M\"/></Airport>"
+    "<Vor ident=\"GVR\" lat=\"10.5\" lon=\"20.5\" type=\"HIGH\" frequency=\"113.00\" "
+    "name=\"GOOD VOR\"/></FSData>\n";
+
+ImportResult Import(const TempDir& dir, std::vector<std::filesystem::path> sources,
+                    std::ostringstream& err) {
+  return RunImport({dir.path() / "data", std::move(sources)}, err);
+}
+
+TEST(Import, ABrokenSourceIsToldAndTheOthersGoOn) {
+  TempDir dir;
+  const auto good = dir.write("src/good.xml", kGood);
+  const std::string brokenBytes = "<FSData>\n<Airport ident=\"XBAD\">\n<Runway>\n</Airport>\n";
+  const auto broken = dir.write("src/broken.xml", brokenBytes);
+  std::ostringstream err;
+  const ImportResult result = Import(dir, {dir.path() / "src"}, err);
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.files, 1);
+  EXPECT_EQ(result.skipped, 1);
+  EXPECT_NE(err.str().find(broken.string() + ":4: mismatched tag"), std::string::npos) << err.str();
+  EXPECT_TRUE(std::filesystem::exists(dir.path() / "data/FSXFiles/good.xml"));
+  EXPECT_FALSE(std::filesystem::exists(dir.path() / "data/FSXFiles/broken.xml"));
+  EXPECT_EQ(Slurp(broken), brokenBytes);
+  EXPECT_EQ(Slurp(good), kGood);
+  EXPECT_NE(Slurp(dir.path() / "data" / kIndexFileName).find("XGOD;Good;"), std::string::npos);
+}
+
+TEST(Import, OverAnExistingFolderOnlyTheSameNameIsReplaced) {
+  TempDir dir;
+  const std::string kept =
+      test::CrLf({"<Airport ident=\"XGOD\"", "    name=\"Older\"", "</Airport>"});
+  dir.write("data/FSXFiles/a_kept.txt", kept);
+  dir.write("data/FSXFiles/good.xml", "<Airport ident=\"XOLD\"\r\n</Airport>\r\n");
+  std::ostringstream err;
+  EXPECT_EQ(Import(dir, {dir.write("src/good.xml", kGood)}, err).status, 0) << err.str();
+  EXPECT_EQ(Slurp(dir.path() / "data/FSXFiles/a_kept.txt"), kept);
+  const std::string index = Slurp(dir.path() / "data" / kIndexFileName);
+  EXPECT_EQ(index, "XGOD;Older;;a_kept.txt\r\n");
+  EXPECT_NE(err.str().find("\"XGOD\" stands also in a_kept.txt"), std::string::npos) << err.str();
+}
+
+TEST(Import, VorsJoinTheListOnceAndWithinItsLength) {
+  TempDir dir;
+  std::string list = "GOOD VOR;20;30.00;10;30.00;H;GVR;113.00\r\n";
+  dir.write("data/vor.nav", list);
+  std::ostringstream err;
+  const std::string source =
+      "<FSData><Vor ident=\"GVR\" lat=\"10.5\" lon=\"20.5\"/>"
+      "<Vor ident=\"NEW\" lat=\"-0.1\" lon=\"-20.25\" type=\"LOW\" "
+      "frequency=\"112.10\" name=\"A;B\"/></FSData>";
+  Import(dir, {dir.write("src/vors.xml", source)}, err);
+  EXPECT_EQ(Slurp(dir.path() / "data/vor.nav"), list + "A,B;-20;15.00;0;-06.00;L;NEW;112.10\r\n");
+  auto store = std::make_unique<Store>();
+  LoadVor(*store, dir.path() / "data/vor.nav");
+  EXPECT_EQ(store->Vor[1].lat, "N0 -06.00");
+  EXPECT_EQ(store->Vor[1].lon, "W20 15");
+
+  for (int i = 1; i < kVorLines; ++i) list += "FILL;1;0;1;0;H;F" + std::to_string(i) + ";1\r\n";
+  dir.write("data/vor.nav", list);
+  std::ostringstream full;
+  Import(dir, {dir.path() / "src/vors.xml"}, full);
+  EXPECT_EQ(Slurp(dir.path() / "data/vor.nav"), list);
+  EXPECT_NE(full.str().find("1 VORs left out - the list holds at most 8,001 lines"),
+            std::string::npos)
+      << full.str();
+}
+
+struct HostileCase {
+  std::string name;
+  std::string bytes;
+  std::string message;  // part of the error, empty when the source is read
+};
+
+TEST(Import, HostileSourcesEndWithAMessage) {
+  std::string laughs = "<!DOCTYPE a [<!ENTITY l0 \"ha\">";
+  for (int i = 1; i < 10; ++i) {
+    laughs += "<!ENTITY l" + std::to_string(i) + " \"" + std::string(10, '&') + "\">";
+  }
+  laughs += "]><FSData>&l9;</FSData>";
+  std::string nested;
+  for (int i = 0; i < 200000; ++i) nested += "<a>";
+  for (int i = 0; i < 200000; ++i) nested += "</a>";
+  const std::vector<HostileCase> cases = {
+      {"billion laughs", laughs, "declares entities"},
+      {"deep nesting", nested, ""},
+      {"huge attribute", "<Airport name=\"" + std::string(2 << 20, 'x') + "\"/>",
+       "longer than 1 MB"},
+      {"unknown encoding", "<?xml version=\"1.0\" encoding=\"EBCDIC\"?><a/>", "unknown encoding"},
+      {"not closed", "<FSData><Airport ident=\"X\">", "no element found"},
+  };
+  for (const HostileCase& c : cases) {
+    const BglSource got = ParseBgl(c.bytes);
+    EXPECT_NE(got.error.find(c.message), std::string::npos) << c.name << ": " << got.error;
+    EXPECT_EQ(got.ok(), c.message.empty()) << c.name;
+  }
+}
+
+TEST(Import, AbsurdNumbersLeaveTheFieldEmptyAndSaySo) {
+  TempDir dir;
+  std::ostringstream err;
+  const std::string source =
+      "<FSData>\n<Airport ident=\"XABS\" lat=\"999\" lon=\"1e308\" "
+      "alt=\"NaN\" magvar=\"-1e9\"/>\n</FSData>";
+  EXPECT_EQ(Import(dir, {dir.write("src/absurd.xml", source)}, err).status, 0);
+  auto store = std::make_unique<Store>();
+  ExtractArpt(*store, dir.path() / "data/FSXFiles/absurd.xml", "XABS");
+  EXPECT_EQ(store->ArptLat, "");
+  EXPECT_EQ(store->ArptLon, "");
+  EXPECT_EQ(store->ArptAlt, "");
+  EXPECT_EQ(store->ArptMagvar, "");
+  EXPECT_NE(err.str().find("absurd.xml:2: Airport lat=\"999\": not a latitude - left empty"),
+            std::string::npos)
+      << err.str();
+}
+
+TEST(Import, CommandLine) {
+  std::ostringstream err;
+  EXPECT_FALSE(ParseImportArgs({}, "/d", err));
+  EXPECT_FALSE(ParseImportArgs({"--data"}, "/d", err));
+  EXPECT_FALSE(ParseImportArgs({"--bogus", "a.xml"}, "/d", err));
+  const auto options = ParseImportArgs({"--data", "/x", "a.xml", "dir"}, "/d", err);
+  ASSERT_TRUE(options);
+  EXPECT_EQ(options->dataDir, "/x");
+  EXPECT_EQ(options->sources, (std::vector<std::filesystem::path>{"a.xml", "dir"}));
+}
+
 }  // namespace
 }  // namespace velmora
