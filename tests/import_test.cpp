@@ -5,6 +5,7 @@
 #include <fstream>
 #include <functional>
 
+#include "data/arpt_index.h"
 #include "data/bgl_import.h"
 #include "data/extract.h"
 #include "data/vor.h"
@@ -305,7 +306,9 @@ struct HostileCase {
 TEST(Import, HostileSourcesEndWithAMessage) {
   std::string laughs = "<!DOCTYPE a [<!ENTITY l0 \"ha\">";
   for (int i = 1; i < 10; ++i) {
-    laughs += "<!ENTITY l" + std::to_string(i) + " \"" + std::string(10, '&') + "\">";
+    std::string tenfold;
+    for (int k = 0; k < 10; ++k) tenfold += "&l" + std::to_string(i - 1) + ";";
+    laughs += "<!ENTITY l" + std::to_string(i) + " \"" + tenfold + "\">";
   }
   laughs += "]><FSData>&l9;</FSData>";
   std::string nested;
@@ -353,6 +356,21 @@ TEST(Import, CommandLine) {
   ASSERT_TRUE(options);
   EXPECT_EQ(options->dataDir, "/x");
   EXPECT_EQ(options->sources, (std::vector<std::filesystem::path>{"a.xml", "dir"}));
+}
+
+TEST(Import, TheIndexTellsOfAirportsInAnotherLayout) {
+  TempDir dir;
+  dir.write("FSXFiles/alone.xml", test::CrLf({"<FSData>", "<Airport", "  ident=\"XALN\"/>"}));
+  dir.write("FSXFiles/one_line.xml", "<Airport ident=\"XONE\" lat=\"N1 0.0\"/>\r\n");
+  dir.write("FSXFiles/other_first.xml", "<Airport region=\"X\" ident=\"XOTH\"/>\r\n");
+  dir.write("FSXFiles/reader.txt", test::CrLf({"<Airport ident=\"XRDR\"", "lat=\"N1 0.0\""}));
+  dir.write("FSXFiles/words.txt", "<Airports> are not here\r\n");
+  const IndexBuild build = BuildIndex(dir.path() / "FSXFiles");
+  const std::string layout =
+      ": airports in a layout the chart cannot read - import it with velmora-import";
+  EXPECT_EQ(build.warnings, (std::vector<std::string>{"alone.xml" + layout, "one_line.xml" + layout,
+                                                      "other_first.xml" + layout,
+                                                      "words.txt: no airport in this file"}));
 }
 
 }  // namespace
