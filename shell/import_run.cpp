@@ -211,6 +211,15 @@ ImportResult RunImport(const ImportOptions& options, std::ostream& err) {
   for (const std::filesystem::path& source : options.sources) {
     if (!Expand(source, files, err)) ++result.skipped;
   }
+  // A file named and also found in a named folder is read once.
+  std::vector<std::filesystem::path> seen;
+  std::erase_if(files, [&](const std::filesystem::path& f) {
+    std::error_code ec;
+    const std::filesystem::path canonical = std::filesystem::weakly_canonical(f, ec);
+    if (std::find(seen.begin(), seen.end(), canonical) != seen.end()) return true;
+    seen.push_back(canonical);
+    return false;
+  });
   const std::filesystem::path folder = options.dataDir / kAirportFolder;
   std::error_code ec;
   std::filesystem::create_directories(folder, ec);
