@@ -187,6 +187,8 @@ void Summary(const Data& d) {
   RatioRow("kit PDF with --fit vs without", "BM_KitPdfFit", "BM_KitPdf", 1.5, "<=1.50");
   RateRow("velmora-import rate vs expat's plain parse", "BM_Import", "BM_ExpatParse", 0.5,
           ">=0.50");
+  InfoRow("  expat without handlers, vs import", Recorded("BM_ExpatMarkupOnly"),
+          Recorded("BM_Import"), "import");
   if (const auto peak = Recorded("import_peak_bytes"), source = Recorded("import_source_bytes");
       peak && source) {
     char m[32], b[32];

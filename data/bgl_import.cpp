@@ -99,8 +99,12 @@ struct BglReader::Impl {
       element->name = name;
       element->line = XML_GetCurrentLineNumber(parser);
       for (const XML_Char** a = atts; a[0] != nullptr; a += 2) {
-        if (std::strlen(a[1]) > kMaxValue) return stop("an attribute value longer than 1 MB");
-        element->attrs.emplace_back(a[0], Utf8ToCp1252(a[1]));
+        const std::string_view value = a[1];
+        if (value.size() > kMaxValue) return stop("an attribute value longer than 1 MB");
+        // Most values are ASCII, which both encodings share.
+        const bool ascii = std::all_of(value.begin(), value.end(),
+                                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+        element->attrs.emplace_back(a[0], ascii ? std::string(value) : Utf8ToCp1252(value));
       }
     }
     stack.push_back({*kind, element});

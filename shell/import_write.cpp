@@ -93,7 +93,8 @@ Converter ConverterOf(std::string_view element, std::string_view key) {
 
 // The reader splits at every double quote and takes any "<" for an element: both must go as
 // references. Entities are not decoded by the reader, so they show as written.
-std::string Escaped(std::string_view value) {
+std::string Escaped(std::string value) {
+  if (value.find_first_of("&<\"") == std::string::npos) return value;
   std::string out;
   out.reserve(value.size());
   for (char c : value) {
@@ -123,15 +124,18 @@ class Writer {
   std::string value(const BglElement& e, std::string_view key);
 
  private:
+  void indent(int depth) { out_.append(static_cast<std::size_t>(depth) * 4, ' '); }
+  void next(int depth) {
+    out_ += kEol;
+    indent(depth);
+  }
   void line(int depth, std::string_view text) {
-    out_.append(static_cast<std::size_t>(depth) * 4, ' ');
+    indent(depth);
     out_ += text;
     out_ += kEol;
   }
-  std::string attr(const BglElement& e, std::string_view key) {
-    return std::string(key) + "=\"" + Escaped(value(e, key)) + "\"";
-  }
-  std::vector<std::string> attributeLines(const BglElement& e, const Layout& l);
+  void attr(const BglElement& e, std::string_view key);
+  void attributeLines(const BglElement& e, const Layout& l, int depth);
   void children(const BglElement& e, int depth);
 
   std::string& out_;
@@ -152,39 +156,66 @@ std::string Writer::value(const BglElement& e, std::string_view key) {
   return std::move(c.text);
 }
 
-std::vector<std::string> Writer::attributeLines(const BglElement& e, const Layout& l) {
-  std::vector<std::string> lines;
-  std::string head = "<" + e.name;
-  if (!l.first.empty() && e.attr(l.first)) head += " " + attr(e, l.first);
-  if (!l.second.empty() && e.attr(l.first) && e.attr(l.second)) head += " " + attr(e, l.second);
-  lines.push_back(head);
-  if (!l.pair.empty() && e.attr(l.pair)) {
-    lines.push_back(attr(e, l.pair) + (e.attr(l.pairSecond) ? " " + attr(e, l.pairSecond) : ""));
+// Appends `key="value"` (converted and escaped) to the output.
+void Writer::attr(const BglElement& e, std::string_view key) {
+  out_ += key;
+  out_ += "=\"";
+  out_ += Escaped(value(e, key));
+  out_ += '"';
+}
+
+// The record's attribute lines, the element line first; the output ends without line end, so
+// the caller can close the tag on the last line.
+void Writer::attributeLines(const BglElement& e, const Layout& l, int depth) {
+  indent(depth);
+  out_ += '<';
+  out_ += e.name;
+  const bool hasFirst = !l.first.empty() && e.attr(l.first);
+  if (hasFirst) {
+    out_ += ' ';
+    attr(e, l.first);
+    if (!l.second.empty() && e.attr(l.second)) {
+      out_ += ' ';
+      attr(e, l.second);
+    }
+  }
+  const bool hasPair = !l.pair.empty() && e.attr(l.pair);
+  if (hasPair) {
+    next(depth + 1);
+    attr(e, l.pair);
+    if (e.attr(l.pairSecond)) {
+      out_ += ' ';
+      attr(e, l.pairSecond);
+    }
   }
   for (std::string_view key : l.reads) {
-    if (e.attr(key)) lines.push_back(attr(e, key));
+    if (e.attr(key)) {
+      next(depth + 1);
+      attr(e, key);
+    }
   }
   for (const auto& [key, v] : e.attrs) {
-    const bool placed = (key == l.first && !l.first.empty()) ||
-                        (key == l.second && !l.second.empty() && e.attr(l.first)) ||
-                        (key == l.pair && !l.pair.empty()) ||
-                        (key == l.pairSecond && !l.pairSecond.empty() && e.attr(l.pair)) ||
-                        key == l.last ||
+    const bool placed = (hasFirst && (key == l.first || key == l.second)) ||
+                        (hasPair && (key == l.pair || key == l.pairSecond)) || key == l.last ||
                         std::find(l.reads.begin(), l.reads.end(), key) != l.reads.end();
-    if (!placed) lines.push_back(attr(e, key));
+    if (!placed) {
+      next(depth + 1);
+      attr(e, key);
+    }
   }
-  if (!l.last.empty()) lines.push_back(attr(e, l.last));
-  return lines;
+  if (!l.last.empty()) {
+    next(depth + 1);
+    attr(e, l.last);
+  }
 }
 
 void Writer::element(const BglElement& e, int depth) {
   const Layout* l = LayoutOf(e.name);
   if (l == nullptr) return;
-  std::vector<std::string> lines = attributeLines(e, *l);
+  attributeLines(e, *l, depth);
   const bool leg = l == &kLegLayout;
-  lines.back() += l->children ? ">" : leg ? "" : "/>";
-  line(depth, lines.front());
-  for (std::size_t i = 1; i < lines.size(); ++i) line(depth + 1, lines[i]);
+  out_ += l->children ? ">" : leg ? "" : "/>";
+  out_ += kEol;
   // A leg ends at a line that holds "/>" and nothing else.
   if (leg) line(depth + 1, "/>");
   if (!l->children) return;
