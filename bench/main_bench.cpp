@@ -187,6 +187,22 @@ void Summary(const Data& d) {
           "null");
   RatioRow("kit PDF, 11 pages vs one-chart PDF", "BM_KitPdf", "BM_SingleChartPdf", 3.0, "<=3.00");
   RatioRow("kit PDF with --fit vs without", "BM_KitPdfFit", "BM_KitPdf", 1.5, "<=1.50");
+  RateRow("velmora-import rate vs expat's plain parse", "BM_Import", "BM_ExpatParse", 0.5,
+          ">=0.50");
+  InfoRow("  expat without handlers, vs import", Recorded("BM_ExpatMarkupOnly"),
+          Recorded("BM_Import"), "import");
+  if (const auto peak = Recorded("import_peak_bytes"), source = Recorded("import_source_bytes");
+      peak && source) {
+    char m[32], b[32];
+    std::snprintf(m, sizeof m, "%.1f MB", *peak / 1e6);
+    std::snprintf(b, sizeof b, "%.1f MB source", *source / 1e6);
+    Row("  its peak memory vs the source", m, b, *peak / *source, "<=3.00",
+        *peak <= 3 * *source ? "yes" : "NO");
+  }
+  if (const auto loaded = Recorded("import_loaded")) {
+    Row("  imported airports that load", std::to_string(static_cast<int>(*loaded)), "2000",
+        std::nullopt, "==2000", *loaded == 2000 ? "yes" : "NO");
+  }
   InfoRow("50 zoom steps, median step, raster", Recorded("zoom_raster_median"),
           Recorded("zoom_null_median"), "null");
   InfoRow("50 zoom steps, worst step, raster", Recorded("zoom_raster_worst"),

@@ -67,6 +67,8 @@ class FileIndexer {
       if (head.opensAirport) {
         finish();
         open(head.ident);
+        // A second attribute on the line is one the reader never sees.
+        if (std::count(raw.begin(), raw.end(), '=') > 1) oddLayout_ = true;
       } else if (!inAirport_ || (angle && raw.find(kAirportKey) != std::string_view::npos)) {
         // Outside an airport every line read holds it.
         warn("a line with " + std::string(kAirportKey) +
@@ -93,6 +95,7 @@ class FileIndexer {
   }
 
   std::size_t listed() const { return entries_.size(); }
+  bool oddLayout() const { return oddLayout_; }
   int seen() const { return seen_; }
 
  private:
@@ -133,11 +136,39 @@ class FileIndexer {
   AirportLine line_;
   bool inAirport_ = false;
   bool current_ = false;  // the open airport goes into the index
+  bool oddLayout_ = false;
   int seen_ = 0;
   std::string ident_;
   std::array<std::string, 4> fields_;  // country, state, city, name
   std::vector<IndexEntry> entries_;
 };
+
+constexpr std::string_view kLayoutWarning =
+    "airports in a layout the chart cannot read - import it with velmora-import";
+
+// An <Airport element in another layout than the reader's, such as "<Airport" alone on its line
+// or followed by another attribute than the ident.
+bool HasAirportElement(const std::filesystem::path& path) {
+  LineReader reader;
+  if (reader.open(path) != OpenStatus::kOpened) return false;
+  constexpr std::string_view kWord = "<Airport";
+  std::string_view raw;
+  while (reader.nextContaining(kWord, raw)) {
+    for (std::size_t at = raw.find(kWord); at != std::string_view::npos;
+         at = raw.find(kWord, at + 1)) {
+      const std::string_view rest = raw.substr(at + kWord.size());
+      if (!rest.empty() && std::string_view(" \t").find(rest.front()) != std::string_view::npos &&
+          rest.find('=') != std::string_view::npos) {
+        return true;
+      }
+      // The word alone on its line: an element when attributes follow on the next.
+      if (rest.find_first_not_of(" \t") == std::string_view::npos) {
+        return reader.next(raw) && raw.find('=') != std::string_view::npos;
+      }
+    }
+  }
+  return false;
+}
 
 // Why a folder entry can't be indexed, or empty. Field 4 loses its blanks in the search, so
 // such a file could never be opened.
@@ -191,7 +222,11 @@ IndexBuild BuildIndex(const std::filesystem::path& airportFolder,
       if (!file.run(path)) {
         build.warnings.push_back(name + ": could not be read - none of its airports listed");
       } else if (file.seen() == 0) {
-        build.warnings.push_back(name + ": no airport in this file");
+        build.warnings.push_back(
+            name + ": " +
+            std::string(HasAirportElement(path) ? kLayoutWarning : "no airport in this file"));
+      } else if (file.oddLayout()) {
+        build.warnings.push_back(name + ": " + std::string(kLayoutWarning));
       }
       indexed = file.listed() > 0;
     }

@@ -1,5 +1,7 @@
 #include "geometry/coords.h"
 
+#include <cmath>
+#include <cstdio>
 #include <cstdlib>
 
 #include "data/numbers.h"
@@ -42,7 +44,27 @@ std::optional<std::int32_t> ToGrid(std::string_view coord, char negativeLetter, 
   return RoundEven(static_cast<double>(west ? base - v : base + v));
 }
 
+std::string CoordText(double degrees, char positive, char negative, int degreeDigits) {
+  // Ten-thousandths of a minute, rounded once, so that 46.3066666666667 gives 18.40.
+  const long long units = std::llround(std::fabs(degrees) * 600000);
+  const long long minutes = units % 600000;
+  char text[48];
+  std::snprintf(text, sizeof text, "%c%0*lld %02lld.%04lld", degrees < 0 ? negative : positive,
+                degreeDigits, units / 600000, minutes / 10000, minutes % 10000);
+  std::string out = text;
+  while (out[out.size() - 3] != '.' && out.back() == '0') out.pop_back();
+  return out;
+}
+
 }  // namespace
+
+std::string LatText(double degrees) {
+  return CoordText(degrees, 'N', 'S', 2);
+}
+
+std::string LonText(double degrees) {
+  return CoordText(degrees, 'E', 'W', 3);
+}
 
 std::optional<std::int32_t> LonToGrid(std::string_view coord) {
   return ToGrid(coord, 'W', kGridXGreenwich);

@@ -20,6 +20,12 @@ inline constexpr std::int32_t kGridYEquator = 19440000;
 std::optional<std::int32_t> LonToGrid(std::string_view coord);
 std::optional<std::int32_t> LatToGrid(std::string_view coord);
 
+// The coordinate text of a signed position in degrees: letter, degrees (2 digits of latitude,
+// 3 of longitude), blank, minutes with 2 to 4 decimals (a 4th decimal is 0.2 m). South and west
+// are negative.
+std::string LatText(double degrees);
+std::string LonText(double degrees);
+
 // "130.2M" gives "427": metres times 3.28, rounded. Empty or unit-only text gives "0";
 // text that holds no number gives empty text, so no made-up elevation is shown.
 std::string MetersToFeet(std::string_view length);

@@ -18,8 +18,9 @@ std::filesystem::path ChooseDataDir(const std::filesystem::path& exeDir,
 
 std::string NoDataCaption(const std::filesystem::path& dataDir) {
   if (HasData(dataDir)) return {};
-  return "Velmora - no data: put your FSXFiles folder and vor.nav into " + dataDir.string() +
-         ", then run velmora-index";
+  return "Velmora - no data: import your decompiled FSX airport files with velmora-import (or "
+         "drop them here), or put your FSXFiles folder and vor.nav into " +
+         dataDir.string() + ", then run velmora-index";
 }
 
 }  // namespace velmora

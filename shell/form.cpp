@@ -80,6 +80,15 @@ void ArptForm::Form_Load(std::string_view commandLine) {
   if (std::string problem = VorProblem(vor); !problem.empty()) setCaption(std::move(problem));
 }
 
+void ArptForm::importFinished(std::string caption) {
+  // A missing list was told at start; the import only ever adds one.
+  std::error_code ec;
+  if (!std::filesystem::exists(dataDir_ / kVorFileName, ec)) return setCaption(std::move(caption));
+  const VorReport vor = LoadVor(store_, dataDir_ / kVorFileName);
+  const std::string problem = VorProblem(vor);
+  setCaption(problem.empty() ? std::move(caption) : caption + " - " + problem);
+}
+
 void ArptForm::cmdSearch_Click() {
   controls_.cmdZoom.enabled = false;
   SearchIdent = UpperCase(controls_.txtSearch.text);

@@ -68,6 +68,10 @@ class ArptForm {
   // `panX`, `panY` leave, drawn once instead of at every step.
   void showView(std::int32_t zoom, std::int32_t panX, std::int32_t panY);
 
+  // Airport files dropped on the window have been imported: `caption` tells what came in, and
+  // the VOR list is read anew, as the import may have added to it.
+  void importFinished(std::string caption);
+
   // What the user types into txtSearch (Windows-1252).
   void setSearchText(std::string text) { controls_.txtSearch.text = std::move(text); }
 

@@ -2,9 +2,11 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QDropEvent>
 #include <QFileDialog>
 #include <QFontDatabase>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPrintDialog>
@@ -17,6 +19,7 @@
 #include "data/text.h"
 #include "shell/chart_name.h"
 #include "shell/chart_run.h"
+#include "shell/import_run.h"
 #include "shell/qt/pictures.h"
 #include "shell/qt/qt_paths.h"
 
@@ -173,11 +176,12 @@ void ChartView::keyPressEvent(QKeyEvent* event) {
 }
 
 MainWindow::MainWindow(std::filesystem::path dataDir, const std::string& commandLine)
-    : store_(std::make_unique<Store>()) {
+    : store_(std::make_unique<Store>()), dataDir_(dataDir) {
   askPrinter = [this](QPrinter& printer) { return AskPrinter(this, printer); };
   askSavePath = [this](const QString& suggested) { return AskSavePath(this, suggested); };
   setWindowTitle("Velmora");
   setWindowIcon(MakeIcon());
+  setAcceptDrops(true);
   // An ordinary frame: resizing moves nothing, the rest is black background.
   resize(Px(16815), Px(10470));
   QPalette black = palette();
@@ -298,6 +302,39 @@ void MainWindow::connectControls() {
 }
 
 MainWindow::~MainWindow() = default;
+
+namespace {
+
+std::vector<std::filesystem::path> LocalPaths(const QMimeData* data) {
+  std::vector<std::filesystem::path> paths;
+  if (data == nullptr) return paths;
+  for (const QUrl& url : data->urls()) {
+    if (url.isLocalFile()) paths.emplace_back(url.toLocalFile().toStdU16String());
+  }
+  return paths;
+}
+
+}  // namespace
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (!LocalPaths(event->mimeData()).empty()) event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+  const std::vector<std::filesystem::path> paths = LocalPaths(event->mimeData());
+  if (paths.empty()) return;
+  event->acceptProposedAction();
+  setWindowTitle("Velmora - importing...");
+  std::ostringstream messages;
+  const ImportResult result = RunImport({dataDir_, paths}, messages);
+  std::string caption = "Imported " + result.summary;
+  // A failure is named by the first message; velmora-import on a terminal tells them all.
+  if (result.status != 0) {
+    const std::string all = messages.str();
+    caption += " - " + all.substr(0, all.find('\n'));
+  }
+  run([&] { form_->importFinished(Utf8ToCp1252(caption)); });
+}
 
 template <class Handler>
 void MainWindow::run(Handler handler) {

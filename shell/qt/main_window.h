@@ -90,6 +90,9 @@ class MainWindow final : public QWidget {
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
+  // Files and folders dropped here are imported into the data folder, as velmora-import does.
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
   template <class Handler>
@@ -103,6 +106,7 @@ class MainWindow final : public QWidget {
   void pickShownRow();
 
   std::unique_ptr<Store> store_;
+  std::filesystem::path dataDir_;
   ChartView* picArpt_;
   QLineEdit* txtSearch_;
   QPushButton* cmdSearch_;

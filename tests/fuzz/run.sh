@@ -11,7 +11,7 @@ seeds=$build/fuzz-seeds
 work=$build/fuzz-corpus
 crashes=$build/fuzz-crashes
 rm -rf "$seeds"
-mkdir -p "$seeds"/{airport,index,vor,numbers} "$work"/{airport,index,vor,numbers} "$crashes"
+mkdir -p "$seeds"/{airport,index,vor,numbers,import} "$work"/{airport,index,vor,numbers,import} "$crashes"
 
 # Each airport of each sample file, and the index with each code in it: "CODE\n" then bytes.
 for file in sample/FSXFiles/*.txt; do
@@ -21,6 +21,49 @@ for file in sample/FSXFiles/*.txt; do
   done
 done
 { echo; cat sample/vor.nav; } >"$seeds/vor/vor.nav"
+# The importer: the sample in the reader's layout, with single quotes, on one line, and a
+# decompiler's layout with decimal degrees, units and navaids outside the airport.
+for file in sample/FSXFiles/*.txt; do
+  base=$(basename "$file" .txt)
+  { echo; cat "$file"; } >"$seeds/import/$base"
+  { echo; tr '"' "'" <"$file"; } >"$seeds/import/$base-quotes"
+  { echo; tr -d '\r' <"$file" | tr '\n' ' '; } >"$seeds/import/$base-one-line"
+done
+cat >"$seeds/import/decompiled" <<'XML'
+
+<?xml version="1.0" encoding="UTF-8"?>
+<FSData version="9.0">
+  <Airport
+      lat="49.2018527537584"
+      lon="-123.16384524107"
+      alt="204.216M"
+      magvar="-21"
+      name="Sea Isle"
+      ident="XSEA">
+    <TaxiwayPoint index="0" type="NORMAL" lat="49.2" lon="-123.1"/>
+    <Runway
+        lat="N49* 12' 6.67&quot;"
+        lon="-123.16"
+        length="1193.9M"
+        width="150F"
+        number="8"
+        designator="NONE"/>
+    <Start type="RUNWAY" lat="49.2" lon="-123.2" heading="80" number="8" designator="NONE"/>
+    <Approach type="ILS" runway="8" designator="NONE">
+      <ApproachLegs>
+        <Leg type="IF" fixType="TERMINAL_WAYPOINT" fixIdent="ABBOT" rho="14264.05M"
+             magneticCourse="153" altitude1="1694.688M" altitude2="3000"/>
+      </ApproachLegs>
+      <Transition transitionType="FULL" fixType="NDB" fixIdent="XN">
+        <TransitionLegs><Leg type="IF" fixIdent="XN" rho="2N"/></TransitionLegs>
+      </Transition>
+    </Approach>
+  </Airport>
+  <Waypoint waypointIdent="ABBOT" lat="49.4" lon="-123.0"/>
+  <Ndb ident="XN" lat="49.5" lon="-123.1" frequency="350.0" name="X"/>
+  <Vor ident="XV" lat="49.3" lon="-123.3" type="HIGH" frequency="113.00" name="X V"/>
+</FSData>
+XML
 # Every quoted value of the samples and every field of the VOR list, one a file.
 n=0
 { grep -oh '="[^"]*"' sample/FSXFiles/*.txt | cut -d'"' -f2; tr ';' '\n' <sample/vor.nav; } |
@@ -30,7 +73,7 @@ n=0
 done
 
 status=0
-for target in airport index vor numbers; do
+for target in airport index vor numbers import; do
   log=$build/fuzz-$target.log
   if ! "$build/tests/fuzz/${target}_fuzz" -max_total_time="$seconds" -print_final_stats=1 \
     -artifact_prefix="$crashes/$target-" -rss_limit_mb=2048 "$work/$target" "$seeds/$target" \

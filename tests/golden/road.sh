@@ -3,6 +3,7 @@
 # and reset, and a few bad roads. Traces and states must never change; this compares them with
 # the expected ones, or writes them anew with --write.
 #   road.sh VELMORA_CHART EXPECTED_DIR [--write]
+# With VELMORA_DATA set, the road runs on that data folder instead of the one beside the program.
 set -u
 bin=$1
 expected=$2
@@ -12,7 +13,7 @@ trap 'rm -rf "$out"' EXIT
 run() {
   local name=$1
   shift
-  "$bin" --trace "$out/$name.trace" --state "$out/$name.state" "$@" >/dev/null 2>&1
+  "$bin" ${VELMORA_DATA:+--data "$VELMORA_DATA"} --trace "$out/$name.trace" --state "$out/$name.state" "$@" >/dev/null 2>&1
 }
 for code in ZTAM XWHL XPBN XAMO XRKD; do
   run "$code-load" "type:$code" search load plus plus minus click:2000,3000 reset minus minus \

@@ -1,0 +1,30 @@
+#pragma once
+// The values of imported sources put into the form the chart reads: coordinate text, heights
+// and lengths in metres with "M", leg altitudes in feet with "F", rho in the reader's unit
+// (2053 to the nautical mile), courses with one decimal, magnetic variation from 0 to 360.
+// A value already in the reader's form is kept as written; one without a unit letter keeps the
+// reader's convention for its field.
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace velmora {
+
+struct Converted {
+  std::string text;
+  std::string problem;  // why the value was left empty; empty when it was taken
+};
+
+// Signed degrees of a coordinate in any form the sources use: the reader's ("N49 12.11"),
+// decimal degrees ("-123.16384524107"), degrees-minutes-seconds ("N49* 12' 6.67\"").
+std::optional<double> CoordinateDegrees(std::string_view value, bool latitude);
+
+Converted CoordinateValue(std::string_view value, bool latitude);
+Converted LengthValue(std::string_view value);    // elevations, runway lengths and widths
+Converted AltitudeValue(std::string_view value);  // leg altitudes
+Converted RhoValue(std::string_view value);
+Converted CourseValue(std::string_view value);
+Converted MagvarValue(std::string_view value);
+
+}  // namespace velmora

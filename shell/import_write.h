@@ -1,0 +1,56 @@
+#pragma once
+// Imported records written in exactly the layout the airport file reader reads: each record's
+// element word and first attribute on one line, every further attribute on a line of its own,
+// the attributes the reader reads in its order, the one that closes a record last.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "data/bgl_import.h"
+
+namespace velmora {
+
+// A navaid written as an airport's child, ready to be copied into the airports that need it.
+struct NavaidText {
+  std::string ident;
+  bool ndb = false;  // else a waypoint
+  double lat = 0, lon = 0;
+  std::string text;
+};
+
+// A fix that an approach names and that the airport's own NDBs and waypoints lack.
+struct WantedFix {
+  std::string ident;
+  bool ndb = false;
+};
+
+struct AirportText {
+  std::string ident;
+  std::string text;  // from <Airport up to, not including, </Airport>
+  std::vector<WantedFix> wanted;
+  std::optional<double> lat, lon;
+  int approaches = 0;
+};
+
+struct VorRecord {
+  std::string name, type, ident, frequency;  // Windows-1252
+  double lat = 0, lon = 0;
+};
+
+struct ConvertedSource {
+  std::vector<AirportText> airports;
+  std::vector<NavaidText> navaids;  // NDBs and waypoints outside any airport
+  std::vector<VorRecord> vors;
+  std::vector<std::string> warnings;  // "FILE:LINE: ..." each
+};
+
+// `label` names the source in warnings.
+ConvertedSource ConvertSource(const BglSource& source, const std::string& label);
+
+// The whole file: declaration, the airports with `copies[i]` (navaid texts) before the i-th
+// airport's end, CR LF line ends.
+std::string AirportFileText(const ConvertedSource& source,
+                            const std::vector<std::vector<const NavaidText*>>& copies);
+
+}  // namespace velmora
