@@ -309,7 +309,7 @@ std::vector<std::filesystem::path> LocalPaths(const QMimeData* data) {
   std::vector<std::filesystem::path> paths;
   if (data == nullptr) return paths;
   for (const QUrl& url : data->urls()) {
-    if (url.isLocalFile()) paths.emplace_back(url.toLocalFile().toStdU16String());
+    if (url.isLocalFile()) paths.push_back(ToPath(url.toLocalFile()));
   }
   return paths;
 }
