@@ -118,8 +118,11 @@ class KitPdf final : public KitDocument {
 
   bool addOutline(const std::filesystem::path& out, std::ostream& err) const {
     try {
+      // qpdf keeps the name's pointer for its messages: the text must outlive the calls.
+      const std::string inName = PathToUtf8(pages_);
+      const std::string outName = PathToUtf8(out);
       QPDF pdf;
-      pdf.processFile(PathToUtf8(pages_).c_str());
+      pdf.processFile(inName.c_str());
       const auto pages = QPDFPageDocumentHelper(pdf).getAllPages();
       if (pages.size() != marks_.size()) throw std::runtime_error("pages lost on the way");
       QPDFObjectHandle outlines = pdf.makeIndirectObject(QPDFObjectHandle::newDictionary());
@@ -141,7 +144,7 @@ class KitPdf final : public KitDocument {
       root.replaceKey("/Outlines", outlines);
       root.replaceKey("/PageMode", QPDFObjectHandle::newName("/UseOutlines"));
       // qpdf takes UTF-8 names on every system.
-      QPDFWriter writer(pdf, PathToUtf8(out).c_str());
+      QPDFWriter writer(pdf, outName.c_str());
       writer.write();
       return true;
     } catch (const std::exception& e) {
