@@ -11,6 +11,10 @@
 #                             for SECONDS (default 60)
 #   ./build.sh windows-core   cross-build the Qt-free part for Windows (MinGW-w64) into
 #                             build-win-core and run its tests under Wine
+#   ./build.sh windows        cross-build everything for Windows into build-win (Qt and qpdf
+#                             built once into ~/.cache/velmora), make the zip and the installer
+#   ./build.sh windows-test   the same, then the core tests, velmora-chart.exe's golden road,
+#                             the window's road and the installer under Wine
 set -euo pipefail
 cd "$(dirname "$0")"
 BUILD=${BUILD:-build}
@@ -35,6 +39,40 @@ install_missing() {
 build() {
   cmake -S . -B "$BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
   cmake --build "$BUILD"
+}
+
+# The Windows cross build into DIR: the dependencies (deps.sh STAGE..., all when none) built
+# once into the cache, then the project against them.
+windows_build() {
+  local dir=$1 prefix
+  shift
+  install_missing cmake ninja-build wine64 googletest
+  prefix=$(packaging/windows/deps.sh "$@" | tail -n 1)
+  local qt=ON
+  [ $# -gt 0 ] && qt=OFF
+  cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=Release -DVELMORA_QT=$qt \
+    -DCMAKE_TOOLCHAIN_FILE="$PWD/packaging/windows/mingw-w64.cmake" \
+    -DVELMORA_WIN_PREFIX="$prefix" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+  cmake --build "$dir"
+  # Wine with a prefix of its own, so no state of $HOME counts; the first start sets it up.
+  export WINEPREFIX="$PWD/$dir/wineprefix" WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
+  WINE=$(command -v wine64 || echo /usr/lib/wine/wine64)
+  [ -d "$WINEPREFIX" ] || "$WINE" wineboot -i </dev/null >/dev/null 2>&1
+}
+
+# The zip (portable: the sample beside the programs, so it charts at once) and the installer
+# (the sample in sample\, the data in %APPDATA%\velmora) from one installed folder.
+windows_package() {
+  install_missing nsis
+  local name
+  name=$(sed -n 's/^set(CPACK_PACKAGE_FILE_NAME "\(.*\)")$/\1/p' build-win/CPackConfig.cmake)
+  rm -rf build-win/stage build-win/"$name".zip
+  cmake --install build-win --prefix "build-win/stage/$name" --strip >/dev/null
+  (cd build-win && cpack -G NSIS >/dev/null)
+  mv "build-win/stage/$name/sample"/* "build-win/stage/$name/" && rmdir "build-win/stage/$name/sample"
+  (cd build-win/stage && cmake -E tar cf "../$name.zip" --format=zip "$name")
+  echo "Windows: build-win/$name.zip ($(du -sh "build-win/stage/$name" | cut -f1) unpacked)," \
+    "build-win/$name.exe"
 }
 
 case "${1:-}" in
@@ -87,26 +125,30 @@ case "${1:-}" in
     tests/fuzz/run.sh build-fuzz "${2:-60}"
     ;;
   windows-core)
-    install_missing cmake ninja-build g++-mingw-w64-x86-64-posix wine64 googletest
-    cmake -S . -B build-win-core -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-      -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/mingw-w64.cmake" -DVELMORA_QT=OFF >/dev/null
-    cmake --build build-win-core
-    # A prefix of its own, so no state of $HOME counts; the first start sets it up (slow).
-    export WINEPREFIX="$PWD/build-win-core/wineprefix" WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
-    wine=$(command -v wine64 || echo /usr/lib/wine/wine64)
-    [ -d "$WINEPREFIX" ] || "$wine" wineboot -i </dev/null >/dev/null 2>&1
+    windows_build build-win-core expat
     (cd build-win-core && ctest --output-on-failure </dev/null)
     # The sample's index by the Windows program, byte for byte the Linux program's.
     if [ -x "$BUILD/velmora-index" ]; then
       "$BUILD/velmora-index" --data sample --out - 2>/dev/null >build-win-core/sample-index.linux
-      "$wine" build-win-core/velmora-index.exe --data sample --out - </dev/null 2>/dev/null \
+      "$WINE" build-win-core/velmora-index.exe --data sample --out - </dev/null 2>/dev/null \
         >build-win-core/sample-index.windows
       cmp build-win-core/sample-index.linux build-win-core/sample-index.windows
       echo "velmora-index.exe under Wine indexes the sample as velmora-index on Linux does"
     fi
     ;;
+  windows)
+    windows_build build-win
+    windows_package
+    ;;
+  windows-test)
+    windows_build build-win
+    windows_package
+    install_missing xvfb xauth openbox xdotool x11-apps imagemagick
+    (cd build-win && ctest --output-on-failure </dev/null)
+    tests/windows/road.sh build-win
+    ;;
   *)
-    echo "usage: $0 run|test|shot|package|sanitize|fuzz [SECONDS]|windows-core" >&2
+    echo "usage: $0 run|test|shot|package|sanitize|fuzz [SECONDS]|windows-core|windows|windows-test" >&2
     exit 2
     ;;
 esac

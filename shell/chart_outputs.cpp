@@ -4,6 +4,7 @@
 #include <fstream>
 #include <ostream>
 
+#include "data/platform.h"
 #include "geometry/svg_canvas.h"
 #include "shell/chart_name.h"
 
@@ -44,7 +45,7 @@ bool WriteSvg(const RecordingCanvas& picture, const std::filesystem::path& path,
   file << svg.document();
   file.close();
   if (!file) {
-    err << "velmora-chart: cannot write " << path.string() << "\n";
+    err << "velmora-chart: cannot write " << PathToUtf8(path) << "\n";
     return false;
   }
   return true;
@@ -61,7 +62,7 @@ FileFiller PictureFiller(const RecordingCanvas& picture, const std::filesystem::
 bool WriteOutput(const std::filesystem::path& path, const FileFiller& fill, std::ostream& err) {
   std::string reason;
   if (WriteWhole(path, fill, reason)) return true;
-  err << "velmora-chart: " << path.string() << " was not written\n";
+  err << "velmora-chart: " << PathToUtf8(path) << " was not written\n";
   return false;
 }
 
@@ -107,7 +108,7 @@ bool OutputFoldersExist(const ChartOptions& o, std::ostream& err) {
     std::filesystem::path folder = std::filesystem::path(out).parent_path();
     if (o.allApproaches && IsFolderOut(out)) folder = out;
     if (!folder.empty() && !std::filesystem::is_directory(folder)) {
-      err << "velmora-chart: the folder " << folder.string()
+      err << "velmora-chart: the folder " << PathToUtf8(folder)
           << " does not exist; nothing written\n";
       return false;
     }

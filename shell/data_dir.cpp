@@ -1,5 +1,6 @@
 #include "shell/data_dir.h"
 
+#include "data/platform.h"
 #include "shell/form.h"
 
 namespace velmora {
@@ -20,7 +21,7 @@ std::string NoDataCaption(const std::filesystem::path& dataDir) {
   if (HasData(dataDir)) return {};
   return "Velmora - no data: import your decompiled FSX airport files with velmora-import (or "
          "drop them here), or put your FSXFiles folder and vor.nav into " +
-         dataDir.string() + ", then run velmora-index";
+         PathToUtf8(dataDir) + ", then run velmora-index";
 }
 
 }  // namespace velmora

@@ -11,6 +11,7 @@
 
 #include "data/arpt_index.h"
 #include "data/bgl_import.h"
+#include "data/platform.h"
 #include "data/text.h"
 #include "data/vor.h"
 #include "geometry/coords.h"
@@ -48,7 +49,7 @@ bool Expand(const std::filesystem::path& source, std::vector<std::filesystem::pa
     return true;
   }
   if (!std::filesystem::is_directory(source, ec)) {
-    err << source.string() << ": no such file or folder\n";
+    err << PathToUtf8(source) << ": no such file or folder\n";
     return false;
   }
   std::vector<std::filesystem::path> found;
@@ -58,7 +59,7 @@ bool Expand(const std::filesystem::path& source, std::vector<std::filesystem::pa
     if (it->is_regular_file(ec) && IsXml(it->path())) found.push_back(it->path());
   }
   if (ec) {
-    err << source.string() << ": the folder could not be read whole - nothing of it imported\n";
+    err << PathToUtf8(source) << ": the folder could not be read whole - nothing of it imported\n";
     return false;
   }
   std::sort(found.begin(), found.end());
@@ -162,19 +163,19 @@ std::vector<Source> ReadSources(const std::vector<std::filesystem::path>& files,
   std::error_code ec;
   for (const std::filesystem::path& file : files) {
     if (std::filesystem::equivalent(file.parent_path(), folder, ec)) {
-      err << file.string() << ": stands in FSXFiles already - import it from elsewhere\n";
+      err << PathToUtf8(file) << ": stands in FSXFiles already - import it from elsewhere\n";
       ++result.skipped;
       continue;
     }
     const BglSource parsed = ReadBglFile(file);
     if (!parsed.ok()) {
       const bool atLine = parsed.error.compare(0, 3, "0: ") != 0;
-      err << file.string() << ':' << (atLine ? parsed.error : parsed.error.substr(1))
+      err << PathToUtf8(file) << ':' << (atLine ? parsed.error : parsed.error.substr(1))
           << " - nothing of it imported\n";
       ++result.skipped;
       continue;
     }
-    Source s{file, "", ConvertSource(parsed, file.string())};
+    Source s{file, "", ConvertSource(parsed, PathToUtf8(file))};
     for (const std::string& w : s.converted.warnings) err << w << '\n';
     if (!s.converted.airports.empty()) s.name = TargetName(file, taken);
     sources.push_back(std::move(s));
@@ -224,7 +225,7 @@ ImportResult RunImport(const ImportOptions& options, std::ostream& err) {
   std::error_code ec;
   std::filesystem::create_directories(folder, ec);
   if (!std::filesystem::is_directory(folder, ec)) {
-    err << folder.string() << " could not be made - nothing imported\n";
+    err << PathToUtf8(folder) << " could not be made - nothing imported\n";
     result.skipped += static_cast<int>(files.size());
     files.clear();
   }

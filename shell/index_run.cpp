@@ -29,7 +29,7 @@ std::vector<std::string> Lines(const std::string& text) {
 bool Compare(const std::filesystem::path& path, const std::string& built, std::ostream& err) {
   std::ifstream in(path, std::ios::binary);
   if (!in) {
-    err << path.string() << " could not be read\n";
+    err << PathToUtf8(path) << " could not be read\n";
     return false;
   }
   const std::string existing{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
@@ -46,7 +46,7 @@ bool Compare(const std::filesystem::path& path, const std::string& built, std::o
         << (b ? "\"" + *b + "\"" : "nothing") << '\n';
   }
   if (shown == 0) err << "the line ends differ (the index is written with CR LF)\n";
-  err << path.string() << " differs from what velmora-index would write\n";
+  err << PathToUtf8(path) << " differs from what velmora-index would write\n";
   return false;
 }
 
@@ -93,7 +93,7 @@ int RunIndex(const IndexOptions& options, std::ostream& out, std::ostream& err, 
       BuildIndex(folder, progress ? std::function<void(int, int, int)>(tell) : nullptr);
   for (const std::string& w : build.warnings) err << w << '\n';
   if (!build.folderOpened) {
-    err << folder.string() << " is not a folder that can be read - nothing indexed\n";
+    err << PathToUtf8(folder) << " is not a folder that can be read - nothing indexed\n";
     return 1;
   }
   err << IndexSummary(build) << '\n';
@@ -114,7 +114,7 @@ int RunIndex(const IndexOptions& options, std::ostream& out, std::ostream& err, 
   }
   std::string reason;
   if (!WriteWhole(target, text, reason)) {
-    err << "can't write " << target.string() << " (" << reason << ")\n";
+    err << "can't write " << PathToUtf8(target) << " (" << reason << ")\n";
     return 1;
   }
   return 0;

@@ -7,6 +7,7 @@
 #include <memory>
 #include <ostream>
 
+#include "data/platform.h"
 #include "data/store.h"
 #include "data/vor.h"
 #include "geometry/coords.h"
@@ -76,7 +77,7 @@ VorMerge MergeVors(const std::filesystem::path& file, const std::vector<VorRecor
     const auto store = std::make_unique<Store>();
     const VorReport report = LoadVor(*store, file);
     if (!in || !report.opened || report.readError) {
-      err << file.string() << " could not be read - no VOR added\n";
+      err << PathToUtf8(file) << " could not be read - no VOR added\n";
       merge.ok = false;
       return merge;
     }
@@ -102,7 +103,7 @@ VorMerge MergeVors(const std::filesystem::path& file, const std::vector<VorRecor
     }
   }
   if (merge.leftOut > 0) {
-    err << file.string() << ": " << merge.leftOut
+    err << PathToUtf8(file) << ": " << merge.leftOut
         << " VORs left out - the list holds at most 8,001 lines\n";
   }
   std::string error;

@@ -2,12 +2,14 @@
 # Build the Windows (MinGW-w64, x86_64) dependencies of Velmora from Debian's own
 # source packages into a cache folder, and print the prefix:
 #   Qt 6 qtbase (Core, Gui, Widgets, PrintSupport + the windows platform plugin),
-#   qpdf (shared), libjpeg-turbo (shared), zlib (Debian's libz-mingw-w64-dev).
+#   qpdf (shared), libjpeg-turbo (shared), zlib (Debian's libz-mingw-w64-dev),
+#   expat (static, for velmora-import).
 #
 #   packaging/windows/deps.sh            build what is missing, print the prefix
 #   packaging/windows/deps.sh --key      print the cache key and exit
-#   packaging/windows/deps.sh STAGE...   only these stages (zlib jpeg qpdf qtbase),
-#                                        e.g. to run qpdf beside a long qtbase build
+#   packaging/windows/deps.sh STAGE...   only these stages (zlib expat qtbase jpeg qpdf),
+#                                        e.g. to run qpdf beside a long qtbase build, or
+#                                        expat alone for the Qt-free build
 #
 # Environment:
 #   VELMORA_WIN_CACHE      cache folder (default ~/.cache/velmora)
@@ -31,7 +33,7 @@ BUILD=$ROOT/build
 STAMPS=$ROOT/stamps
 DONE=$ROOT/complete
 JOBS=${VELMORA_WIN_JOBS:-2}
-ALL_STAGES=(zlib qtbase jpeg qpdf)
+ALL_STAGES=(zlib expat qtbase jpeg qpdf)
 
 if [ "${1:-}" = --key ]; then
   echo "$KEY"
@@ -107,24 +109,35 @@ add_deb_src() {
   apt_update
 }
 
-# apt-get source PKG into $SRC/PKG, once.
+# apt-get source PKG into $SRC/PKG, once: the newest version the archive serves (a mirror
+# may list a security update whose source it doesn't hold), refreshing the lists once if none.
 fetch_source() {
-  local pkg=$1 dir=$SRC/$1
+  local pkg=$1 dir=$SRC/$1 v
   if [ -e "$dir/.fetched" ]; then return; fi
   add_deb_src
-  rm -rf "$dir"; mkdir -p "$dir"
   log "apt-get source $pkg"
-  if ! (cd "$dir" && apt-get source -qq "$pkg" >/dev/null); then
-    # The deb-src list may be older than this cache folder: refresh once and retry.
-    [ "$apt_updated" = yes ] && exit 1
-    apt_update
-    rm -rf "$dir"; mkdir -p "$dir"
-    (cd "$dir" && apt-get source -qq "$pkg" >/dev/null)
-  fi
-  touch "$dir/.fetched"
+  for attempt in 1 2; do
+    for v in $(apt-cache showsrc "$pkg" | sed -n 's/^Version: //p' | sort -rV | uniq); do
+      rm -rf "$dir"; mkdir -p "$dir"
+      if (cd "$dir" && apt-get source -qq "$pkg=$v" >/dev/null 2>&1); then
+        echo "$v" >"$dir/.fetched"
+        return
+      fi
+    done
+    [ "$attempt" = 1 ] && [ "$apt_updated" = no ] && apt_update
+  done
+  echo "apt-get source $pkg: no version of it could be fetched" >&2
+  exit 1
 }
-# The unpacked source tree of PKG.
-source_dir() { find "$SRC/$1" -mindepth 1 -maxdepth 1 -type d | head -n1; }
+# Fetches PKG's source on first use and sets SOURCE to its unpacked tree. One fetch at a
+# time, so two runs side by side don't unpack into the same folder.
+use_source() {
+  (
+    flock 9
+    fetch_source "$1"
+  ) 9>"$ROOT/sources.lock"
+  SOURCE=$(find "$SRC/$1" -mindepth 1 -maxdepth 1 -type d | head -n1)
+}
 
 # ---------------------------------------------------------------- stages
 # CPU_NOW = CPU seconds (user+sys) of this shell's finished children, from the builtin
@@ -195,10 +208,29 @@ Cflags: -I\${includedir}
 EOF
 }
 
+# expat, static: velmora-import links it in, so no DLL ships for it.
+stage_expat() {
+  local src b=$BUILD/expat
+  use_source expat
+  src=$SOURCE/expat
+  # Debian's security patches test "XML_DTD == 1", as its autotools config defines it;
+  # the CMake config defines it empty.
+  sed -i 's/^#cmakedefine XML_DTD$/#cmakedefine XML_DTD 1/' "$src/expat_config.h.cmake"
+  rm -rf "$b"
+  heavy cmake -S "$src" -B "$b" -G Ninja \
+    -DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN" -DCMAKE_BUILD_TYPE=Release \
+    -DCMAKE_INSTALL_PREFIX="$PREFIX" -DCMAKE_INSTALL_LIBDIR=lib \
+    -DEXPAT_SHARED_LIBS=OFF -DEXPAT_BUILD_TOOLS=OFF -DEXPAT_BUILD_EXAMPLES=OFF \
+    -DEXPAT_BUILD_TESTS=OFF -DEXPAT_BUILD_DOCS=OFF -DEXPAT_BUILD_FUZZERS=OFF
+  heavy cmake --build "$b" --parallel "$JOBS"
+  cmake --install "$b"
+}
+
 # libjpeg-turbo (for qpdf's DCT filter), shared, without SIMD (no nasm needed).
 stage_jpeg() {
   local src b=$BUILD/jpeg
-  src=$(source_dir libjpeg-turbo)
+  use_source libjpeg-turbo
+  src=$SOURCE
   rm -rf "$b"
   heavy cmake -S "$src" -B "$b" -G Ninja \
     -DCMAKE_TOOLCHAIN_FILE="$TOOLCHAIN" -DCMAKE_BUILD_TYPE=Release \
@@ -212,7 +244,8 @@ stage_jpeg() {
 # Qt 6 qtbase, host tools (moc, rcc, uic, ...) from Debian's qt6 packages.
 stage_qtbase() {
   local src b=$BUILD/qtbase
-  src=$(source_dir qt6-base)
+  use_source qt6-base
+  src=$SOURCE
   rm -rf "$b"; mkdir -p "$b"
   (cd "$b" && heavy "$src/configure" \
     -prefix "$PREFIX" \
@@ -236,7 +269,8 @@ stage_qpdf() {
   run_stage zlib
   run_stage jpeg
   local src b=$BUILD/qpdf
-  src=$(source_dir qpdf)
+  use_source qpdf
+  src=$SOURCE
   # Windows import libraries are lower-case on MinGW; the file system is case-sensitive.
   find "$src" \( -name CMakeLists.txt -o -name '*.cmake' \) -exec sed -i 's/Advapi32/advapi32/g' {} +
   rm -rf "$b"
@@ -260,10 +294,6 @@ stage_qpdf() {
 
 # ---------------------------------------------------------------- main
 install_packages
-(
-  flock 9
-  for p in qt6-base qpdf libjpeg-turbo; do fetch_source "$p"; done
-) 9>"$ROOT/sources.lock"
 for s in "${STAGES[@]}"; do run_stage "$s"; done
 
 for s in "${ALL_STAGES[@]}"; do

@@ -1,12 +1,12 @@
 // velmora: the charting window. The command line, as one text, goes into the search box.
 
 #include <QApplication>
-#include <QStandardPaths>
 #include <chrono>
 #include <cstdio>
 #include <locale>
 #include <stdexcept>
 
+#include "data/platform.h"
 #include "shell/data_dir.h"
 #include "shell/qt/main_window.h"
 #include "shell/qt/qt_canvas.h"
@@ -53,8 +53,7 @@ int main(int argc, char** argv) {
   }
   const std::filesystem::path exeDir = velmora::ToPath(QCoreApplication::applicationDirPath());
   velmora::AddBundledFonts(exeDir);
-  const std::filesystem::path dataDir = velmora::ChooseDataDir(
-      exeDir, velmora::ToPath(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)));
+  const std::filesystem::path dataDir = velmora::ChooseDataDir(exeDir, velmora::UserDataDir());
   velmora::MainWindow window(dataDir, commandLine);
   if (const std::string hint = velmora::NoDataCaption(dataDir); !hint.empty()) {
     window.setWindowTitle(QString::fromStdString(hint));

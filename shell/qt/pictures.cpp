@@ -93,7 +93,7 @@ class KitPdf final : public KitDocument {
 
   bool add(const KitPage& page, std::ostream& err) override {
     if (!painter_.isActive() ? !painter_.begin(&writer_) : !writer_.newPage()) {
-      err << "velmora-chart: cannot write the pages to " << pages_.parent_path().string() << "\n";
+      err << "velmora-chart: cannot write the pages to " << PathToUtf8(pages_.parent_path()) << "\n";
       return false;
     }
     PaintPage(painter_, writer_, *page.picture, canvas_);
@@ -103,7 +103,7 @@ class KitPdf final : public KitDocument {
 
   bool finish(const std::filesystem::path& path, std::ostream& err) override {
     if (!painter_.isActive() || !painter_.end()) {
-      err << "velmora-chart: " << path.string() << ": no pages were written\n";
+      err << "velmora-chart: " << PathToUtf8(path) << ": no pages were written\n";
       return false;
     }
     return WriteOutput(
@@ -196,17 +196,17 @@ bool WritePicture(const RecordingCanvas& picture, const std::filesystem::path& p
   } else if (ext == ".pdf") {
     ok = WritePdf(picture, file);
   } else {
-    err << "velmora-chart: " << path.string() << ": pictures are .png, .svg or .pdf\n";
+    err << "velmora-chart: " << PathToUtf8(path) << ": pictures are .png, .svg or .pdf\n";
     return false;
   }
-  if (!ok) err << "velmora-chart: cannot write " << path.string() << "\n";
+  if (!ok) err << "velmora-chart: cannot write " << PathToUtf8(path) << "\n";
   return ok;
 }
 
 std::unique_ptr<KitDocument> MakeKitPdf(const std::filesystem::path& path,
                                         const ChartOptions& options, std::ostream& err) {
   if (PictureExtension(path) != ".pdf") {
-    err << "velmora-chart: " << path.string() << ": a kit is a .pdf or a folder (DIR/)\n";
+    err << "velmora-chart: " << PathToUtf8(path) << ": a kit is a .pdf or a folder (DIR/)\n";
     return nullptr;
   }
   return std::make_unique<KitPdf>(path, options);
