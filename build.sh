@@ -50,13 +50,13 @@ windows_build() {
   prefix=$(packaging/windows/deps.sh "$@" | tail -n 1)
   local qt=ON
   [ $# -gt 0 ] && qt=OFF
-  cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=Release -DVELMORA_QT=$qt \
+  cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVELMORA_QT=$qt \
     -DCMAKE_TOOLCHAIN_FILE="$PWD/packaging/windows/mingw-w64.cmake" \
     -DVELMORA_WIN_PREFIX="$prefix" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
   cmake --build "$dir"
   # Wine with a prefix of its own, so no state of $HOME counts; the first start sets it up.
   export WINEPREFIX="$PWD/$dir/wineprefix" WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
-  WINE=$(command -v wine64 || echo /usr/lib/wine/wine64)
+  export WINE=$(command -v wine64 || echo /usr/lib/wine/wine64)
   [ -d "$WINEPREFIX" ] || "$WINE" wineboot -i </dev/null >/dev/null 2>&1
 }
 
@@ -67,9 +67,12 @@ windows_package() {
   local name
   name=$(sed -n 's/^set(CPACK_PACKAGE_FILE_NAME "\(.*\)")$/\1/p' build-win/CPackConfig.cmake)
   rm -rf build-win/stage build-win/"$name".zip
-  cmake --install build-win --prefix "build-win/stage/$name" --strip >/dev/null
+  cmake --install build-win --prefix "build-win/stage/$name" --strip >build-win/install.log
+  sed -n 's/^-- From Windows: /DLLs from Windows: /p' build-win/install.log
   (cd build-win && cpack -G NSIS >/dev/null)
-  mv "build-win/stage/$name/sample"/* "build-win/stage/$name/" && rmdir "build-win/stage/$name/sample"
+  local app=build-win/stage/$name
+  mv "$app/sample/README.txt" "$app/Sample data.txt"
+  mv "$app/sample"/* "$app/" && rmdir "$app/sample"
   (cd build-win/stage && cmake -E tar cf "../$name.zip" --format=zip "$name")
   echo "Windows: build-win/$name.zip ($(du -sh "build-win/stage/$name" | cut -f1) unpacked)," \
     "build-win/$name.exe"

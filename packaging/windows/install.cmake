@@ -24,28 +24,23 @@ install(FILES ${VELMORA_DEJAVU}/DejaVuSans.ttf ${VELMORA_DEJAVU}/DejaVuSans-Bold
         DESTINATION fonts)
 install(FILES /usr/share/doc/fonts-dejavu-core/copyright DESTINATION fonts RENAME LICENSE.txt)
 
-# Exactly the DLLs the programs and plugins load, found in the dependencies' prefix and beside
-# the MinGW compiler; what neither holds comes with Windows.
-execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libstdc++-6.dll
-  OUTPUT_VARIABLE VELMORA_LIBSTDCXX OUTPUT_STRIP_TRAILING_WHITESPACE)
-get_filename_component(VELMORA_MINGW_RUNTIME_DIR "${VELMORA_LIBSTDCXX}" DIRECTORY)
+# Exactly the DLLs the programs and plugins load, from the prefix (deps.sh puts the compiler's
+# runtime DLLs there too).
+set(VELMORA_LOADED_FILES)
+foreach(target IN LISTS VELMORA_PROGRAMS ITEMS Qt6::QWindowsIntegrationPlugin
+                                              Qt6::QWindowsVistaStylePlugin)
+  list(APPEND VELMORA_LOADED_FILES $<TARGET_FILE:${target}>)
+endforeach()
 install(CODE "
-  set(CMAKE_GET_RUNTIME_DEPENDENCIES_PLATFORM windows+pe)
-  set(CMAKE_GET_RUNTIME_DEPENDENCIES_TOOL objdump)
-  set(CMAKE_GET_RUNTIME_DEPENDENCIES_COMMAND ${CMAKE_OBJDUMP})
-  file(GET_RUNTIME_DEPENDENCIES
-    EXECUTABLES $<TARGET_FILE:velmora> $<TARGET_FILE:velmora-chart> $<TARGET_FILE:velmora-index>
-                $<TARGET_FILE:velmora-import>
-    MODULES $<TARGET_FILE:Qt6::QWindowsIntegrationPlugin> $<TARGET_FILE:Qt6::QWindowsVistaStylePlugin>
-    DIRECTORIES ${VELMORA_WIN_PREFIX}/bin ${VELMORA_MINGW_RUNTIME_DIR}
-    RESOLVED_DEPENDENCIES_VAR velmora_dlls
-    UNRESOLVED_DEPENDENCIES_VAR velmora_windows_dlls)
-  file(INSTALL \${velmora_dlls} DESTINATION \${CMAKE_INSTALL_PREFIX})
-  list(JOIN velmora_windows_dlls \" \" velmora_windows_dlls)
-  message(STATUS \"From Windows: \${velmora_windows_dlls}\")
+  set(VELMORA_OBJDUMP \"${CMAKE_OBJDUMP}\")
+  set(VELMORA_STRIP \"${CMAKE_STRIP}\")
+  set(VELMORA_DLL_DIR \"${VELMORA_WIN_PREFIX}/bin\")
+  set(VELMORA_LOADED_FILES \"$<JOIN:${VELMORA_LOADED_FILES},;>\")
 ")
+install(SCRIPT ${CMAKE_CURRENT_LIST_DIR}/runtime_dlls.cmake)
 
 set(CPACK_GENERATOR NSIS)
+set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGE_FILE_NAME velmora-${CPACK_PACKAGE_VERSION}-win64)
 set(CPACK_PACKAGE_INSTALL_DIRECTORY Velmora)
 set(CPACK_NSIS_INSTALL_ROOT "$PROGRAMFILES64")
