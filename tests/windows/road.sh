@@ -55,7 +55,8 @@ for dpi in 96 144; do
     >/dev/null 2>&1
   "$WINE" "$app/velmora.exe" </dev/null >/dev/null 2>&1 &
   pids+=($!)
-  win=$(xdotool search --sync --onlyvisible --name '^Velmora' | head -n 1)
+  win=$(timeout 60 xdotool search --sync --onlyvisible --name '^Velmora' | head -n 1)
+  [ -n "$win" ] || fail "velmora.exe showed no window within a minute"
   sleep 4
   read -r width height < <(xdotool getwindowgeometry "$win" |
     awk -F'[ x]+' '/Geometry/ { print $3, $4 }')
