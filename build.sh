@@ -41,8 +41,8 @@ build() {
   cmake --build "$BUILD"
 }
 
-# The Windows cross build into DIR: the dependencies (deps.sh STAGE..., all when none) built
-# once into the cache, then the project against them.
+# The Windows cross build into DIR against the dependencies that deps.sh builds once into the
+# cache: all of them, or only the STAGEs named, for the Qt-free part alone.
 windows_build() {
   local dir=$1 prefix
   shift
