@@ -14,17 +14,52 @@ namespace {
 
 // XTST at N10 00.00 E10 00.00, behind another airport; at Zoom 16 a minute is 225 twips.
 // GPS 9: WPA (6100,4100) to RW09 (6550,5000), transitions VOR VOA and INT WPA. VOR 27: VOA.
-// Lines are split at '|'.
-constexpr std::string_view kAirport =
-    R"(<Airport ident="XOTHER"|lat="N50 00.00"|</Airport>|<Airport ident="XTST"|lat="N10 00.00")"
-    R"(|lon="E10 00.00">|<Start type="RUNWAY"|number="9" designator="NONE"|lat="N10 00.00")"
-    R"(|lon="E9 58.00"|heading="90.0"/>|<Waypoint|waypointIdent="WPA"|lat="N10 04.00")"
-    R"(|lon="E9 56.00"/>|<Approach type="GPS"|runway="9"|designator="NONE">|<Leg type="IF")"
-    R"(|fixIdent="WPA"|/>|<Leg type="TF"|fixIdent="RW09"|/>|<Transition|fixType="VOR")"
-    R"(|fixIdent="VOA">|</Transition>|<Transition|fixType="INT"|fixIdent="WPA">|</Transition>)"
-    R"(|</Approach>|<Approach type="VOR"|runway="27"|designator="NONE">|<Leg type="IF")"
-    R"(|fixIdent="VOA"|recommendedIdent="VOA"|/>|</Approach>|</Airport>)"
-    R"(|<Airport ident="XNOA"|lat="N10 00.00"|lon="E10 00.00">|</Airport>)";
+constexpr std::string_view kAirport = R"(<Airport ident="XOTHER"
+lat="N50 00.00"
+</Airport>
+<Airport ident="XTST"
+lat="N10 00.00"
+lon="E10 00.00">
+<Start type="RUNWAY"
+number="9" designator="NONE"
+lat="N10 00.00"
+lon="E9 58.00"
+heading="90.0"/>
+<Waypoint
+waypointIdent="WPA"
+lat="N10 04.00"
+lon="E9 56.00"/>
+<Approach type="GPS"
+runway="9"
+designator="NONE">
+<Leg type="IF"
+fixIdent="WPA"
+/>
+<Leg type="TF"
+fixIdent="RW09"
+/>
+<Transition
+fixType="VOR"
+fixIdent="VOA">
+</Transition>
+<Transition
+fixType="INT"
+fixIdent="WPA">
+</Transition>
+</Approach>
+<Approach type="VOR"
+runway="27"
+designator="NONE">
+<Leg type="IF"
+fixIdent="VOA"
+recommendedIdent="VOA"
+/>
+</Approach>
+</Airport>
+<Airport ident="XNOA"
+lat="N10 00.00"
+lon="E10 00.00">
+</Airport>)";
 const std::string kFound = "XTST-InfoOne-InfoTwo-x.txt";
 
 void WriteWorld(const TempDir& d, bool index = true, bool vor = true) {
@@ -33,57 +68,94 @@ void WriteWorld(const TempDir& d, bool index = true, bool vor = true) {
                                     "XMIS;a;b;no.txt", "XNOA;a;b;x.txt"}));
   if (vor) d.write("vor.nav", CrLf({"VOR A;10;2.00;9;59.00;H;VOA;113.40"}));  // at (7450, 5225)
   Lines lines;
-  for (std::string_view line : Split(kAirport, '|')) lines.emplace_back(line);
+  for (std::string_view line : Split(kAirport, '\n')) lines.emplace_back(line);
   d.write("FSXFiles/x.txt", CrLf(lines));
 }
 
 // What was drawn: the trace without its captions.
 Lines Drawn(Lines t) {
-  return std::erase_if(t, [](auto& l) { return l.starts_with("caption"); }), t;
+  std::erase_if(t, [](auto& l) { return l.starts_with("caption"); });
+  return t;
 }
 
-// caption|txtSearch|enabled flags|cmdArpt|cmdZoom|cmbAPP|its rows|cmbTerm|its rows; the flags
-// are txtSearch, cmdSearch, cmdExit, cmdArpt, cmdZoom, cmdPlus, cmdMinus, cmbAPP, cmbTerm.
-std::string Describe(const Controls& c) {
-  std::string text = c.caption + "|" + c.txtSearch.text + "|";
-  for (bool on : {c.txtSearch.enabled, c.cmdSearch.enabled, c.cmdExit.enabled, c.cmdArpt.enabled,
-                  c.cmdZoom.enabled, c.cmdPlus.enabled, c.cmdMinus.enabled, c.cmbAPP.enabled,
-                  c.cmbTerm.enabled})
-    text += on ? '1' : '0';
-  text += "|" + c.cmdArpt.text + "|" + c.cmdZoom.text;
-  for (const ComboBox* box : {&c.cmbAPP, &c.cmbTerm}) {
-    text += "|" + box->text + "|";
-    for (const auto& row : box->rows) text += row + (&row == &box->rows.back() ? "" : ",");
+// Each control of `got` against `want`, field by field, so a failure names the control.
+void ExpectControls(const Controls& got, const Controls& want) {
+  EXPECT_EQ(got.caption, want.caption);
+  const struct {
+    const char* name;
+    const Control& got;
+    const Control& want;
+  } controls[] = {
+      {"txtSearch", got.txtSearch, want.txtSearch}, {"cmdSearch", got.cmdSearch, want.cmdSearch},
+      {"cmdExit", got.cmdExit, want.cmdExit},       {"cmdArpt", got.cmdArpt, want.cmdArpt},
+      {"cmdPlus", got.cmdPlus, want.cmdPlus},       {"cmdMinus", got.cmdMinus, want.cmdMinus},
+      {"cmdZoom", got.cmdZoom, want.cmdZoom}};
+  for (const auto& c : controls) {
+    EXPECT_EQ(c.got.text, c.want.text) << c.name;
+    EXPECT_EQ(c.got.enabled, c.want.enabled) << c.name;
   }
-  return text;
+  const struct {
+    const char* name;
+    const ComboBox& got;
+    const ComboBox& want;
+  } boxes[] = {{"cmbAPP", got.cmbAPP, want.cmbAPP}, {"cmbTerm", got.cmbTerm, want.cmbTerm}};
+  for (const auto& b : boxes) {
+    EXPECT_EQ(b.got.text, b.want.text) << b.name;
+    EXPECT_EQ(b.got.enabled, b.want.enabled) << b.name;
+    EXPECT_EQ(b.got.rows, b.want.rows) << b.name;
+  }
 }
 
+// Each step says what changed since the one before.
 TEST(Form, ControlStatesAlongTheRoad) {
   TempDir d;
   WriteWorld(d);
   Harness h(d.path(), "xtst");
   ArptForm& f = h.form();
-  const auto state = [&] { return Describe(f.controls()); };
-  const std::string shown = "|Show XTST Chart|Reset Position\rZoom Level= 16|";
-  const std::string picked = shown + "GPS 9|GPS 9,VOR 27|XTST Term|VOR VOA";
-  EXPECT_EQ(state(), "Velmora|xtst|111000000|APP Chart|Reset Zoom|Approach||Terminal|");
+  Controls want;  // at the start only the search box, Search and EXIT take input
+  want.txtSearch.text = "xtst";
+  ExpectControls(f.controls(), want);
   f.picArpt_MouseDown(1, 0, 3000, 3000);  // before any load: nothing to move
   EXPECT_TRUE(Drawn(h.takeTrace()).empty());
   EXPECT_NE(f.controls().caption, "Velmora");
+
   f.cmdSearch_Click();
-  EXPECT_EQ(state(), kFound + "||111100000|Show XTST Chart|Reset Zoom|Approach||Terminal|");
+  want.caption = kFound;
+  want.txtSearch.text = "";
+  want.cmdArpt = {"Show XTST Chart", true};
+  ExpectControls(f.controls(), want);
   EXPECT_EQ(Drawn(h.takeTrace()), Lines{"cls"});
+
   f.cmdArpt_Click();
-  EXPECT_EQ(state(), kFound + "||111111110" + shown + "XTST APP|GPS 9,VOR 27|XTST Term|");
+  want.cmdPlus.enabled = true;
+  want.cmdMinus.enabled = true;
+  want.cmdZoom = {"Reset Position\rZoom Level= 16", true};
+  want.cmbAPP = {"XTST APP", true, {"GPS 9", "VOR 27"}};
+  want.cmbTerm.text = "XTST Term";
+  ExpectControls(f.controls(), want);
   EXPECT_EQ(Count(h.takeTrace(), "print 100 100 0,0,0 14 1 XTST"), 1);
+
   f.cmbAPP_Click(0);
-  EXPECT_EQ(state(), kFound + "||111111111" + picked);
+  want.cmbAPP.text = "GPS 9";
+  want.cmbTerm = {"XTST Term", true, {"VOR VOA"}};
+  ExpectControls(f.controls(), want);
   EXPECT_EQ(Count(h.takeTrace(), "line 6100 4100 6550 5000 0,128,0 2 0"), 1);
-  f.setSearchText("zzzz"), f.cmdSearch_Click();
-  EXPECT_EQ(state(), "Sorry, ZZZZ is not in the Index!||111100011" + picked);
+
+  // A failed search leaves the chart button and both lists as they were.
+  f.setSearchText("zzzz");
+  f.cmdSearch_Click();
+  want.caption = "Sorry, ZZZZ is not in the Index!";
+  want.cmdPlus.enabled = false;
+  want.cmdMinus.enabled = false;
+  want.cmdZoom.enabled = false;
+  ExpectControls(f.controls(), want);
   EXPECT_EQ(Drawn(h.takeTrace()), Lines{"cls"});
-  f.setSearchText("xtst"), f.cmdSearch_Click();
-  EXPECT_EQ(state(), kFound + "||111100001" + picked);
+
+  f.setSearchText("xtst");
+  f.cmdSearch_Click();
+  want.caption = kFound;
+  want.cmbAPP.enabled = false;
+  ExpectControls(f.controls(), want);
 }
 
 TEST(Form, SearchProgressEvery3000RejectedLines) {
@@ -105,7 +177,8 @@ TEST(Form, RedrawsOfAPickedChartClickZoomAndReset) {
   WriteWorld(d);
   Harness h(d.path());
   ArptForm& f = h.form();
-  h.load("xtst"), h.takeTrace();
+  h.load("xtst");
+  h.takeTrace();
   f.cmbAPP_Click(0);
   Lines t = h.takeTrace();
   EXPECT_EQ(Count(t, "ARP"), 2);                                          // the plan again, on top
@@ -145,7 +218,8 @@ TEST(Form, BadFilesAreToldInTheCaptionAndDrawNothing) {
   WriteWorld(d, false, false);
   Harness h(d.path());
   EXPECT_EQ(h.form().controls().caption, "vor.nav could not be read: the chart shows no VORs");
-  h.form().setSearchText("xtst"), h.form().cmdSearch_Click();
+  h.form().setSearchText("xtst");
+  h.form().cmdSearch_Click();
   EXPECT_EQ(h.form().controls().caption, "Arpt index.txt could not be read - no search for XTST");
   EXPECT_FALSE(h.form().controls().cmdArpt.enabled);
   WriteWorld(d, true, false);  // the VOR list stays missing
