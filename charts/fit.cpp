@@ -51,8 +51,10 @@ std::optional<FitView> FitApproach(const Store& store) {
       const std::int32_t x = GridToScreenX(v, f.x), y = GridToScreenY(v, f.y);
       // The overlay drops a later fix whose place before pan is off the chart's height.
       if (!f.first && !WithinChartHeight(y)) drawn = false;
-      left = std::min(left, x), right = std::max(right, x);
-      top = std::min(top, y), bottom = std::max(bottom, y);
+      left = std::min(left, x);
+      right = std::max(right, x);
+      top = std::min(top, y);
+      bottom = std::max(bottom, y);
     }
     const bool fits = static_cast<std::int64_t>(right) - left <= kFitRight - kFitLeft &&
                       static_cast<std::int64_t>(bottom) - top <= kFitBottom - kFitTop;

@@ -53,17 +53,22 @@ std::vector<WorldAirport> MakeWorld(const TempDir& dir) {
                    "City " + std::to_string(n)};
     bool tabLed = false;
     if (n % 97 == 5) {
-      a.ident = "x" + a.ident.substr(1), a.loadable = false;  // the search upper-cases
+      a.ident = "x" + a.ident.substr(1);  // the search upper-cases
+      a.loadable = false;
     } else if (n % 89 == 7) {
-      a.ident.insert(2, " "), a.loadable = false;  // the search removes blanks
+      a.ident.insert(2, " ");  // the search removes blanks
+      a.loadable = false;
     } else if (n % 101 == 90) {
       // The search takes the first that it can reach.
       const WorldAirport& first = world[static_cast<std::size_t>(n - 70)];
-      a.ident = Ident(n - 70), a.loadable = !first.loadable || first.ident != a.ident;
+      a.ident = Ident(n - 70);
+      a.loadable = !first.loadable || first.ident != a.ident;
     } else if (n % 83 == 3) {
-      tabLed = true, a.loadable = false;  // the reader passes over a tab-led opening line
+      tabLed = true;  // the reader passes over a tab-led opening line
+      a.loadable = false;
     } else if (n % 211 == 11) {
-      a.file = "with blank.txt", a.loadable = false;
+      a.file = "with blank.txt";
+      a.loadable = false;
     }
     const std::string name = n % 7 == 0 ? "" : "Field; " + std::to_string(n);
     files[a.file] += AirportText(a.ident, name, a.city, tabLed, n % 13 != 0 || n % 83 == 2);

@@ -131,7 +131,8 @@ TEST(ChartTool, UsageExitStatusesAndAirportsWithoutAChart) {
 TEST(Kit, FolderOfPicturesNamedSafelyWithNotesForOddAirports) {
   TempDir d;
   GenApproach lost = kCompact;
-  lost.type = "VOR/DME*", lost.lostFirst = true;
+  lost.type = "VOR/DME*";
+  lost.lostFirst = true;
   WriteAirports(d, {{"XGEN", {kCompact, lost}}, {"XEMP", {}}});
   const auto out = d.path() / "kit";
   std::filesystem::create_directory(out);

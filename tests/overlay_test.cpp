@@ -11,7 +11,9 @@ namespace {
 // Approach 0 over the airport at Zoom 16, its fixes placed as waypoints by canvas position.
 struct Overlay {
   explicit Overlay(const std::string& type, const std::string& runway = "27") {
-    v.Zoom = 16, s.VorLast = -1, s.AppSelected = true;
+    v.Zoom = 16;
+    s.VorLast = -1;
+    s.AppSelected = true;
     SetOrigin(v, 41040000, 21600000);
     s.Approach[0] = {type, runway, "NONE"};
   }
@@ -34,12 +36,20 @@ struct Overlay {
 
 TEST(Overlay, WorkedLegLabelsAndTerminalRows) {
   Overlay o("GPS");
-  o.fix("F", 6001, 4000), o.fix("ABC", 7000, 5000), o.fix("G", 7400, 5000);
-  o.leg("F"), o.leg("ABC", "2500.00F", "20530.0", "45.0"), o.leg("G", "0.00F", "1026.5", "93.9");
+  o.fix("F", 6001, 4000);
+  o.fix("ABC", 7000, 5000);
+  o.fix("G", 7400, 5000);
+  o.leg("F");
+  o.leg("ABC", "2500.00F", "20530.0", "45.0");
+  o.leg("G", "0.00F", "1026.5", "93.9");
   // Transitions of approach 0 give terminal rows after those there, but not INT and WAYPOINT.
-  o.s.Trans[0] = {0, "T0", "VOR"}, o.s.Trans[1] = {0, "T1", "INT"};
-  o.s.Trans[2] = {1, "T2", "NDB"}, o.s.Trans[3] = {0, "T3", "WAYPOINT"};
-  o.s.Trans[4] = {0, "T4", "waypoint"}, o.s.TransLast = 5, o.rows = {"kept"};  // 5 is empty
+  o.s.Trans[0] = {0, "T0", "VOR"};
+  o.s.Trans[1] = {0, "T1", "INT"};
+  o.s.Trans[2] = {1, "T2", "NDB"};
+  o.s.Trans[3] = {0, "T3", "WAYPOINT"};
+  o.s.Trans[4] = {0, "T4", "waypoint"};  // 5 is empty
+  o.s.TransLast = 5;
+  o.rows = {"kept"};
   const Lines t = o.draw(),
               worked = {
                   "circle 6001 4000 30 0,0,0 2 0",        "print 5901 4000 0,0,0 8 0 F",
@@ -56,7 +66,8 @@ TEST(Overlay, WorkedLegLabelsAndTerminalRows) {
                    "print 7250 4600 0,0,0 10 1 093°"}));
   EXPECT_FALSE(o.c.pen.FontBold);
   EXPECT_EQ(o.rows, (Lines{"kept", "VOR T0", "waypoint T4"}));
-  o.s.AppSelected = false, o.rows.clear();
+  o.s.AppSelected = false;
+  o.rows.clear();
   EXPECT_TRUE(o.draw().empty() && o.rows.empty());
 }
 
@@ -118,11 +129,15 @@ TEST(Overlay, HeadingLines) {
   for (const auto& k : cases) {
     Overlay o(k.type, k.runway);
     o.s.Approach[0].designator = k.designator;
-    o.s.Ils[0] = {"ILS RWY 09L", "A", "110.30", "95.0"}, o.s.Ils[1] = {"ILS RWY 27", "C", "1", "2"};
-    o.s.Ils[2] = {"ils rwy 09r", "B", "111.10", "95.0"}, o.s.IlsLast = 2;
-    o.s.Vor[0] = {"VOA", "N1 0", "E1 0", "113.40"}, o.s.Vor[1] = {"VOA", "N1 0", "E1 0", "999.00"};
+    o.s.Ils[0] = {"ILS RWY 09L", "A", "110.30", "95.0"};
+    o.s.Ils[1] = {"ILS RWY 27", "C", "1", "2"};
+    o.s.Ils[2] = {"ils rwy 09r", "B", "111.10", "95.0"};
+    o.s.IlsLast = 2;
+    o.s.Vor[0] = {"VOA", "N1 0", "E1 0", "113.40"};
+    o.s.Vor[1] = {"VOA", "N1 0", "E1 0", "999.00"};
     o.s.VorLast = 1;
-    o.fix("F", 7000, 4000), o.leg("F", "", "", "", k.navaid);
+    o.fix("F", 7000, 4000);
+    o.leg("F", "", "", "", k.navaid);
     Lines want;
     for (const auto& line : k.lines) want.push_back("print 200 3000 0,0,0 14 1 " + line);
     EXPECT_EQ(Filter(o.draw(), "print 200 3000 "), want) << k.type;
@@ -145,7 +160,8 @@ TEST(Symbols, CornersFromPolarOffsets) {
   for (const auto& k : cases) {
     Overlay o("");
     TraceCanvas& c = o.c;
-    c.pen.DrawWidth = 5, c.pen.ForeColor = kRed;
+    c.pen.DrawWidth = 5;
+    c.pen.ForeColor = kRed;
     k.mark ? DrawCourseMark(c, 1000, 1000, k.course)
            : DrawArrowHead(c, 1000, 1000, k.course, 1000, 500);
     Lines want;

@@ -17,8 +17,12 @@ std::string F(const char* format, auto... args) {
 }
 struct Chart {
   explicit Chart(int zoom = 16, bool airport = true) {
-    v.Zoom = zoom, s.VorLast = -1;
-    if (airport) s.ArptLat = "N10 00.00", s.ArptLon = "E10 00.00";
+    v.Zoom = zoom;
+    s.VorLast = -1;
+    if (airport) {
+      s.ArptLat = "N10 00.00";
+      s.ArptLon = "E10 00.00";
+    }
   }
   // The lines of a fresh drawing of the sheet that hold `part`.
   Lines sheet(std::string_view part = "") {
@@ -82,16 +86,25 @@ TEST(Sheet, ListRowsWithoutGaps) {
   Chart chart(16, false);
   int slot = 0;
   for (const char* type :
-       {"ATIS", "CENTER", "CLEARANCE", "Tower", "GROUND", "atis x", "APPROACH/X"})
-    chart.s.Com[slot] = {type, F("12%d", slot), F("N%d", slot)}, chart.s.ComLast = slot++;
+       {"ATIS", "CENTER", "CLEARANCE", "Tower", "GROUND", "atis x", "APPROACH/X"}) {
+    chart.s.Com[slot] = {type, F("12%d", slot), F("N%d", slot)};
+    chart.s.ComLast = slot++;
+  }
   const auto end = [&](int slot, const char* type, const char* number, const char* designator) {
     RwyEndRow& r = chart.s.RwyEnd[slot];
-    r.type = type, r.number = number, r.designator = designator;
-    r.length = F("%dM", 100 * slot), r.width = "45M", r.surface = "ASPHALT";
+    r.type = type;
+    r.number = number;
+    r.designator = designator;
+    r.length = F("%dM", 100 * slot);
+    r.width = "45M";
+    r.surface = "ASPHALT";
   };
-  end(0, "RUNWAY", "9", "NONE"), end(1, "RUNWAY", "27", "NONE");  // odd slots give no row
-  end(2, "HELIPAD", "1", "NONE"), end(4, "RUNWAY", "36", "LEFT");
-  end(6, "RUNWAY", "4", "RIGHT"), end(8, "RUNWAY", "12", "north");
+  end(0, "RUNWAY", "9", "NONE");  // odd slots give no row
+  end(1, "RUNWAY", "27", "NONE");
+  end(2, "HELIPAD", "1", "NONE");
+  end(4, "RUNWAY", "36", "LEFT");
+  end(6, "RUNWAY", "4", "RIGHT");
+  end(8, "RUNWAY", "12", "north");
   chart.s.RwyLast = 9;
   // Rows 250 twips apart from 1050 down.
   const auto rows = [](int x, Lines texts) {
@@ -112,7 +125,8 @@ TEST(Plan, ReferencePointRingAndPan) {
   for (const auto& [zoom, ring, panX, panY] :
        {std::array{16, 3000, 0, 0}, {2, 24000, 0, 0}, {50, 960, 0, 0}, {14, 3429, 1000, -500}}) {
     Chart chart(zoom);
-    chart.v.PanX = panX, chart.v.PanY = panY;
+    chart.v.PanX = panX;
+    chart.v.PanY = panY;
     const Lines t = chart.sheet();
     const int x = 7000 + panX, y = 5000 + panY;
     // The yellow cross stays put; ring, centre, black cross and label move with the pan.
@@ -152,10 +166,16 @@ TEST(Plan, VorRangeTestLooksAtXBeforePan) {
 TEST(Plan, RunwayWidthCarriesOverToTheFirstVorWithoutNdb) {
   for (const bool ndb : {false, true}) {
     Chart chart;
-    chart.s.RwyEnd[0].lat = chart.s.RwyEnd[1].lat = LatAt(5000), chart.s.RwyLast = 1;
-    chart.s.RwyEnd[0].lon = LonAt(6000), chart.s.RwyEnd[1].lon = LonAt(8000);
-    if (ndb) chart.s.Ndb[1] = {LatAt(2000), LonAt(7000), "338.0", "NB"}, chart.s.NdbLast = 1;
-    chart.vor(3000, 3000, "VOA"), chart.vor(11000, 7000, "VOB");
+    chart.s.RwyEnd[0].lat = chart.s.RwyEnd[1].lat = LatAt(5000);
+    chart.s.RwyLast = 1;
+    chart.s.RwyEnd[0].lon = LonAt(6000);
+    chart.s.RwyEnd[1].lon = LonAt(8000);
+    if (ndb) {
+      chart.s.Ndb[1] = {LatAt(2000), LonAt(7000), "338.0", "NB"};
+      chart.s.NdbLast = 1;
+    }
+    chart.vor(3000, 3000, "VOA");
+    chart.vor(11000, 7000, "VOB");
     EXPECT_EQ(chart.sheet(" 0,0,0 5 0"), Lines{"line 6000 5000 8000 5000 0,0,0 5 0"});
     EXPECT_EQ(chart.sheet("circle 3000 3000 90 0,0,255 "),
               Lines{F("circle 3000 3000 90 0,0,255 %d 0", ndb ? 1 : 5)});

@@ -15,14 +15,17 @@ int RightEdge(const QImage& image) {
 
 QImage Render(int width, int style, bool circle) {
   RasterCanvas c;
-  c.pen.DrawWidth = width, c.pen.DrawStyle = style;
+  c.pen.DrawWidth = width;
+  c.pen.DrawStyle = style;
   circle ? c.Circle(7000, 5000, 3000) : c.Line(1000, 5000, 13000, 5000);
   return c.image().copy();
 }
 
 TEST(QtCanvas, WarningEndsLeftOfTheScale) {
   RasterCanvas c;
-  c.pen.CurrentX = 200, c.pen.CurrentY = 9900, c.pen.FontSize = 8;
+  c.pen.CurrentX = 200;
+  c.pen.CurrentY = 9900;
+  c.pen.FontSize = 8;
   c.Print("DO NOT USE FOR REAL NAVIGATION! FSX ONLY     NM SCALE ->");
   const int right = RightEdge(c.image()) * 15;         // a screen pixel is 15 twips
   EXPECT_TRUE(right > 3000 && right < 6000) << right;  // the scale starts at 6000

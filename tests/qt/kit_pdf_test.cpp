@@ -12,7 +12,6 @@
 namespace velmora::test {
 namespace {
 
-
 // Passes pages on to the real PDF and keeps each page's drawing as trace lines.
 class RecordingKit final : public KitDocument {
  public:

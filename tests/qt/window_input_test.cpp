@@ -258,7 +258,8 @@ TEST(WindowInput, ListsReadablePrintAndSaveAsOnScreen) {
   std::optional<SaveChoice> choice;
   QString suggested;
   p.w.askSavePath = [&](const QString& name) {
-    ++asked, suggested = name;
+    ++asked;
+    suggested = name;
     return choice;
   };
   p.w.askPrinter = [&](QPrinter& printer) {
