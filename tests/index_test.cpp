@@ -89,17 +89,12 @@ int RunTool(const IndexOptions& options, std::string& err, std::string* out = nu
   return status;
 }
 
-std::string Read(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
 TEST(IndexBuild, ListsExactlyTheAirportsTheWindowCanLoad) {
   TempDir dir;
   const std::vector<WorldAirport> world = MakeWorld(dir);
   std::string err;
   ASSERT_EQ(RunTool({dir.path(), "", false}, err), 0) << err;
-  const std::string index = Read(dir.path() / "Arpt index.txt");
+  const std::string index = Slurp(dir.path() / "Arpt index.txt");
 
   int loadable = 0;
   for (const WorldAirport& a : world) {
@@ -177,7 +172,7 @@ TEST(IndexBuild, BadFoldersWriteNothing) {
     dir.write("Arpt index.txt", "OLD;;;a.txt\r\n");
     std::string err;
     EXPECT_EQ(RunTool({dir.path(), "", false}, err), 1) << c;
-    EXPECT_EQ(Read(dir.path() / "Arpt index.txt"), "OLD;;;a.txt\r\n") << c;
+    EXPECT_EQ(Slurp(dir.path() / "Arpt index.txt"), "OLD;;;a.txt\r\n") << c;
     EXPECT_FALSE(err.empty()) << c;
     for (const auto& e : fs::directory_iterator(dir.path())) {
       EXPECT_EQ(e.path().filename().string().find(".part"), std::string::npos) << c;
@@ -193,7 +188,7 @@ TEST(IndexBuild, CheckComparesWithoutWriting) {
   ASSERT_EQ(RunTool({dir.path(), "", false}, err), 0);
   EXPECT_EQ(RunTool({dir.path(), "", true}, err), 0) << err;
 
-  std::string lf = Read(dir.path() / "Arpt index.txt");
+  std::string lf = Slurp(dir.path() / "Arpt index.txt");
   std::erase(lf, '\r');
   const std::vector<std::pair<std::string, std::string>> cases = {
       {"XAAA;Aa;Veldmark;a.txt\r\n", "line 2: has nothing, would be \"XBBB;Bb;Veldmark;a.txt\""},
@@ -205,7 +200,7 @@ TEST(IndexBuild, CheckComparesWithoutWriting) {
     dir.write("Arpt index.txt", existing);
     EXPECT_EQ(RunTool({dir.path(), "", true}, err), 1);
     EXPECT_NE(err.find(said), std::string::npos) << err;
-    EXPECT_EQ(Read(dir.path() / "Arpt index.txt"), existing);
+    EXPECT_EQ(Slurp(dir.path() / "Arpt index.txt"), existing);
   }
   fs::remove(dir.path() / "Arpt index.txt");
   EXPECT_EQ(RunTool({dir.path(), "", true}, err), 1);

@@ -150,18 +150,5 @@ TEST(Kit, FolderOfPicturesNamedSafelyWithNotesForOddAirports) {
   EXPECT_NE(Slurp(out / "XGEN-1-VOR_DME__9.svg").find("ATTENTION"), std::string::npos);
 }
 
-TEST(Kit, FileStems) {
-  // clang-format off
-  const struct { std::string code; int row; std::string approach, stem; } cases[] = {
-      {"KSEA", -1, "ignored", "KSEA"},
-      {"KSEA", 0, "ILS 16L", "KSEA-0-ILS_16L"},
-      {"X P B N", 12, "RNAV/GPS: Y?", "X_P_B_N-12-RNAV_GPS__Y_"},
-      {"XAMO", 3, "VOR \xc3\xa9", "XAMO-3-VOR___"},
-      {"XAMO", 1, "../..", "XAMO-1-.._.."},
-      {"XAMO", 1, std::string(300, 'A'), "XAMO-1-" + std::string(113, 'A')}};
-  // clang-format on
-  for (const auto& k : cases) EXPECT_EQ(KitFileStem(k.code, k.row, k.approach), k.stem);
-}
-
 }  // namespace
 }  // namespace velmora::test
