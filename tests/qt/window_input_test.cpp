@@ -112,9 +112,8 @@ void ExpectRowsReadable(QComboBox* box) {
   }
 }
 
-TEST(WindowInput, WholeRoadByKeyboard) {
+TEST(WindowInput, SearchAndLoadByKeyboardZoomByWheel) {
   Pilot p(SampleDir(), "road");
-  auto* apps = p.at<QComboBox>("cmbAPP");
   EXPECT_EQ(p.focus(), p.at("txtSearch"));
   p.wheel(120);  // no chart yet: the zoom buttons are disabled
   EXPECT_EQ(p.zoom(), 2);
@@ -126,7 +125,7 @@ TEST(WindowInput, WholeRoadByKeyboard) {
   ASSERT_TRUE(p.tabTo("cmdArpt"));
   p.key(Qt::Key_Return);
   EXPECT_EQ(p.store().ArptIdent, "XWHL");
-  EXPECT_EQ(apps->count(), 4);
+  EXPECT_EQ(p.at<QComboBox>("cmbAPP")->count(), 4);
   EXPECT_TRUE(p.w.chart()->hasChart());
   p.shot("load");
   // The wheel: one step per notch of 120 eighths of a degree, finer turns add up.
@@ -134,8 +133,13 @@ TEST(WindowInput, WholeRoadByKeyboard) {
     p.wheel(eighths);
     EXPECT_EQ(p.zoom(), zoom) << eighths;
   }
+}
 
-  // Closed list: each Down and Up is a pick of the next row; Enter picks the row shown.
+TEST(WindowInput, PicksByKeyboardFromTheClosedList) {
+  Pilot p(SampleDir(), "pick");
+  p.load("xwhl");
+  auto* apps = p.at<QComboBox>("cmbAPP");
+  // Each Down and Up is a pick of the next row; Enter picks the row shown.
   ASSERT_TRUE(p.tabTo("cmbAPP"));
   const std::pair<Qt::Key, int> picks[] = {
       {Qt::Key_Down, 0}, {Qt::Key_Down, 1}, {Qt::Key_Down, 2}, {Qt::Key_Up, 1}};
@@ -153,7 +157,11 @@ TEST(WindowInput, WholeRoadByKeyboard) {
   p.type("GPS 27");
   p.key(Qt::Key_Tab);
   EXPECT_EQ(p.store().SelApp, 1);
+}
 
+TEST(WindowInput, ZoomPanResetAndExitByKeyboard) {
+  Pilot p(SampleDir(), "zoom");
+  p.load("xwhl");
   // Space and Enter on the zoom buttons; + and - on the chart while the buttons are enabled.
   // Each key goes to the widget named, or with "" to the focus as it is.
   const std::tuple<const char*, Qt::Key, int> zooms[] = {{"cmdPlus", Qt::Key_Space, 14},
@@ -240,20 +248,58 @@ int CellsUnlikeScreen(const QImage& page, const QImage& screen) {
   return PixelsUnlike(cells(page.copy(painted)), cells(screen), 90);
 }
 
-// The lists opened are readable and as wide as their rows; print and save give the chart picked.
-TEST(WindowInput, ListsReadablePrintAndSaveAsOnScreen) {
-  // The sample with one approach named longer than the box is wide.
-  TempDir data, dir;
+// The sample with one approach named longer than the box is wide, in `data`.
+void SampleWithALongApproachName(const TempDir& data) {
   std::filesystem::copy(SampleDir(), data.path(), std::filesystem::copy_options::recursive);
   std::string bytes = Slurp(data.path() / "FSXFiles" / "sample_west.txt");
   bytes.replace(bytes.find("type=\"VORDME\""), 13, "type=\"LOCALIZER_BACKCOURSE\"");
   data.write("FSXFiles/sample_west.txt", bytes);
-  const auto in = [&](const char* name) {
-    return QString::fromStdString((dir.path() / name).string());
-  };
+}
+
+// The lists opened are readable and as wide as their rows.
+TEST(WindowInput, ListsReadableAndAsWideAsTheirRows) {
+  TempDir data;
+  SampleWithALongApproachName(data);
   Pilot p(data.path(), "lists");
   auto* apps = p.at<QComboBox>("cmbAPP");
   auto* terms = p.at<QComboBox>("cmbTerm");
+  const QImage start = p.shot("start");
+  for (QComboBox* box : {apps, terms}) {  // disabled boxes still show their text
+    EXPECT_GT(InkPixels(start, box->lineEdit()->geometry().translated(box->pos())), 30);
+  }
+  p.load("XWHL");
+  ASSERT_TRUE(p.tabTo("cmbAPP"));
+  p.key(Qt::Key_Down, Qt::AltModifier);
+  ExpectRowsReadable(apps);
+  const QString longest = "LOCALIZER_BACKCOURSE 9";
+  ASSERT_EQ(apps->itemText(2), longest);
+  EXPECT_GE(apps->view()->viewport()->width(),
+            apps->view()->fontMetrics().horizontalAdvance(longest));
+  p.shot("approach-list", apps->view()->window());
+  for (Qt::Key k : {Qt::Key_End, Qt::Key_Home, Qt::Key_Return})  // a pick from the opened list
+    QTest::keyClick(apps->view(), k);
+  EXPECT_FALSE(apps->view()->isVisible());
+  EXPECT_TRUE(p.store().AppSelected);
+  EXPECT_EQ(p.store().SelApp, 0);
+  EXPECT_EQ(terms->count(), 1);
+  ASSERT_TRUE(p.tabTo("cmbTerm"));
+  p.key(Qt::Key_F4);
+  ExpectRowsReadable(terms);
+  p.shot("terminal-list", terms->view()->window());
+  QTest::keyClick(terms->view(), Qt::Key_Escape);
+  EXPECT_FALSE(terms->view()->isVisible());
+}
+
+// Saved in every format and printed, the chart picked is the one on screen and the one
+// velmora-chart draws; before a chart, and into a folder that can't be written, the caption
+// says why.
+TEST(WindowInput, PrintAndSaveAsOnScreen) {
+  TempDir data, dir;
+  SampleWithALongApproachName(data);
+  const auto in = [&](const char* name) {
+    return QString::fromStdString((dir.path() / name).string());
+  };
+  Pilot p(data.path(), "save");
   int asked = 0;
   std::optional<SaveChoice> choice;
   QString suggested;
@@ -269,11 +315,6 @@ TEST(WindowInput, ListsReadablePrintAndSaveAsOnScreen) {
     printer.setOutputFileName(in("printed.pdf"));
     return true;
   };
-  const QImage start = p.shot("start");
-  for (QComboBox* box : {apps, terms}) {  // disabled boxes still show their text
-    EXPECT_GT(InkPixels(start, box->lineEdit()->geometry().translated(box->pos())), 30);
-  }
-  // No chart yet: said in the caption, no dialog.
   p.key(Qt::Key_P, Qt::ControlModifier);
   p.key(Qt::Key_S, Qt::ControlModifier);
   EXPECT_EQ(asked, 0);
@@ -282,26 +323,9 @@ TEST(WindowInput, ListsReadablePrintAndSaveAsOnScreen) {
   p.load("XWHL");
   const QImage loaded = p.w.chart()->image().copy();
   ASSERT_TRUE(p.tabTo("cmbAPP"));
-  p.key(Qt::Key_Down, Qt::AltModifier);
-  ExpectRowsReadable(apps);
-  const QString longest = "LOCALIZER_BACKCOURSE 9";
-  ASSERT_EQ(apps->itemText(2), longest);
-  EXPECT_GE(apps->view()->viewport()->width(),
-            apps->view()->fontMetrics().horizontalAdvance(longest));
-  p.shot("approach-list", apps->view()->window());
-  for (Qt::Key k : {Qt::Key_End, Qt::Key_Home, Qt::Key_Return})  // a pick from the opened list
-    QTest::keyClick(apps->view(), k);
-  EXPECT_FALSE(apps->view()->isVisible());
-  EXPECT_TRUE(p.store().AppSelected);
-  EXPECT_EQ(p.store().SelApp, 0);
-  EXPECT_EQ(terms->count(), 1);
+  p.key(Qt::Key_Down);  // picks the first row
+  ASSERT_EQ(p.store().SelApp, 0);
   const QImage screen = p.w.chart()->image().copy();
-  ASSERT_TRUE(p.tabTo("cmbTerm"));
-  p.key(Qt::Key_F4);
-  ExpectRowsReadable(terms);
-  p.shot("terminal-list", terms->view()->window());
-  QTest::keyClick(terms->view(), Qt::Key_Escape);
-  EXPECT_FALSE(terms->view()->isVisible());
 
   // What velmora-chart draws for the same road, for the formats it can write itself.
   ChartOptions reference;
@@ -340,7 +364,6 @@ TEST(WindowInput, ListsReadablePrintAndSaveAsOnScreen) {
   EXPECT_LT(unlike, 40);
   EXPECT_GT(CellsUnlikeScreen(page, loaded), 4 * unlike + 40);
 
-  // A folder that can't be written: said in the caption, nothing left behind.
   choice = SaveChoice{in("nowhere/x.png"), 1};
   p.key(Qt::Key_S, Qt::ControlModifier);
   EXPECT_EQ(p.w.windowTitle().left(15), "Could not write");
