@@ -200,10 +200,8 @@ rho="5.0"/>)") + Leg("S", "altitude1=\"3000\"") +
                  Lines{"</Transition>", "</Approach>"} + Approach("NDB") + Lines{"</Approach>"});
 }
 
-// A full airport, then a file of three: only the asked one is left in the store.
-TEST_F(ExtractTest, RecordsCloseOnTheirLastLineAndOnlyTheAskedAirportStays) {
-  store.Vor[2].ident = "SEA";
-  store.VorLast = 2;
+// One of each record, each closed on its last line.
+TEST_F(ExtractTest, RecordsCloseOnTheirLastLine) {
   Load(FullAirport());
   EXPECT_EQ(store.Ils[0].end, "ISEA");
   EXPECT_EQ(store.Ils[0].frequency, "110.30");
@@ -235,7 +233,14 @@ TEST_F(ExtractTest, RecordsCloseOnTheirLastLineAndOnlyTheAskedAirportStays) {
   EXPECT_EQ(store.NdbLast, 2);
   EXPECT_EQ(store.AppLast, 1);
   EXPECT_EQ(store.LegLast, 3);
+}
 
+// A full airport loaded, then a file of three: only the asked one is left in the store, and
+// the VOR list stays.
+TEST_F(ExtractTest, OnlyTheAskedAirportStays) {
+  store.Vor[2].ident = "SEA";
+  store.VorLast = 2;
+  Load(FullAirport());
   const Lines second = Approach("VOR") + Leg("X") + Lines{"</Approach>"} + Com("C-B");
   const ExtractReport report =
       Load(Airport(Com("C-A") + Ndb("NA", "A"), "KAAA", "First") +
@@ -267,10 +272,13 @@ TEST_F(ExtractTest, RecordsCloseOnTheirLastLineAndOnlyTheAskedAirportStays) {
   }
   EXPECT_EQ(store.Vor[2].ident, "SEA");  // VORs stay
   EXPECT_EQ(store.VorLast, 2);
+}
 
-  // An ident differing in case, or a tab in front of the line, is not the airport; nor is a
-  // missing file.
+// An ident differing in case, or a tab in front of the line, is not the airport; nor is a
+// missing file. Each empties the store.
+TEST_F(ExtractTest, NotTheAirportOrNoFileLeavesNothing) {
   for (const char* first : {"<Airport ident=\"kbbb\"", "\t<Airport ident=\"KBBB\""}) {
+    Load(FullAirport());  // the store full of another airport
     Lines other = Airport(Com("C-B"), "KBBB");
     other[0] = first;
     EXPECT_FALSE(Load(other, "KBBB").found) << first;
