@@ -3,17 +3,19 @@
 # and reset, and a few bad roads. Traces and states must never change; this compares them with
 # the expected ones, or writes them anew with --write.
 #   road.sh VELMORA_CHART EXPECTED_DIR [--write]
-# With VELMORA_DATA set, the road runs on that data folder instead of the one beside the program.
+# With VELMORA_DATA set, the sample's road runs on that data folder instead of the one beside
+# the program.
 set -u
 bin=$1
 expected=$2
 out=$(mktemp -d)
 trap 'rm -rf "$out"' EXIT
 
+data=${VELMORA_DATA:-}
 run() {
   local name=$1
   shift
-  "$bin" ${VELMORA_DATA:+--data "$VELMORA_DATA"} --trace "$out/$name.trace" --state "$out/$name.state" "$@" >/dev/null 2>&1
+  "$bin" ${data:+--data "$data"} --trace "$out/$name.trace" --state "$out/$name.state" "$@" >/dev/null 2>&1
 }
 for code in ZTAM XWHL XPBN XAMO XRKD; do
   run "$code-load" "type:$code" search load plus plus minus click:2000,3000 reset minus minus \
@@ -28,6 +30,17 @@ run spaced "type:X P B N" search load
 run unknown type:NOPE search load click:100,100 plus
 run click-first click:500,500 type:ZTAM search click:10,10 load
 run approach --airport XAMO --approach "VOR 0"
+
+# The casebook: one purpose-built field with every case of the sheet's layout (title block,
+# list rows of odd types and slots, a first VOR that takes the runways' pen) at every zoom
+# and with a pan; its data is always its own.
+data=$(dirname "$0")/casebook
+pluses=(plus plus plus plus plus plus plus)
+minuses=("${pluses[@]/plus/minus}" "${pluses[@]/plus/minus}" minus minus minus)
+run casebook-load type:XCAS search load
+run casebook-zoom-in type:XCAS search load "${pluses[@]}"
+run casebook-zoom-out type:XCAS search load "${minuses[@]}"
+run casebook-pan type:XCAS search load plus click:8000,4500 minus click:6000,6000
 
 if [ "${3:-}" = --write ]; then
   rm -rf "$expected" && mkdir -p "$expected" && cp "$out"/* "$expected"/
