@@ -71,34 +71,6 @@ TEST(Overlay, WorkedLegLabelsAndTerminalRows) {
   EXPECT_TRUE(o.draw().empty() && o.rows.empty());
 }
 
-TEST(Overlay, TrackLinesTurnDottedByLegCount) {
-  // Type, fixes in leg order, width and style of the lines into the second fix and on.
-  // clang-format off
-  const struct { const char* type; Lines fixes, lines; } cases[] = {
-      {"GPS", {"F", "A", "RW27", "M1", "M2"}, {"2 0", "2 0", "1 2", "1 2"}},
-      {"ILS", {"F", "A", "RW27", "M1", "M2"}, {"2 0", "1 0", "1 2", "1 2"}},
-      {"GPS", {"F", "A", "B", "C", "RW27", "M1"}, {"2 0", "2 0", "1 2", "2 2", "1 2"}},
-      {"ILS", {"F", "A", "B", "C", "RW27", "M1"}, {"2 0", "2 0", "1 2", "1 2", "1 2"}}};
-  // clang-format on
-  for (const auto& k : cases) {
-    SCOPED_TRACE(std::string(k.type) + " " + std::to_string(k.fixes.size()));
-    Overlay o(k.type);
-    for (std::size_t i = 0; i < k.fixes.size(); ++i) {
-      o.fix(k.fixes[i], 6000 + 400 * int(i), 4000);
-      o.leg(k.fixes[i], "", "", k.fixes[i] == "RW27" ? "270.0" : "");
-    }
-    const Lines t = o.draw();
-    for (std::size_t i = 1; i < k.fixes.size(); ++i) {
-      const std::string line = "line " + std::to_string(5600 + 400 * i) + " 4000 " +
-                               std::to_string(6000 + 400 * i) + " 4000 0,128,0 " + k.lines[i - 1];
-      EXPECT_EQ(std::ranges::count(t, line), 1) << line;
-    }
-    // The ILS arrow leaves two barbs at the first fix, beside the first track line.
-    EXPECT_EQ(Filter(t, "line 6000 4000 ").size(), std::string(k.type) == "ILS" ? 3u : 1u);
-    EXPECT_EQ(o.c.pen.DrawStyle, 0);
-  }
-}
-
 TEST(Overlay, FixesNotFoundAndOutOfRange) {
   Overlay o("GPS");
   o.v.PanY = 20000;  // the range test looks at Y before pan: 1 to 9999 is in

@@ -31,9 +31,9 @@ run unknown type:NOPE search load click:100,100 plus
 run click-first click:500,500 type:ZTAM search click:10,10 load
 run approach --airport XAMO --approach "VOR 0"
 
-# The casebook: one purpose-built field with every case of the sheet's layout (title block,
-# list rows of odd types and slots, a first VOR that takes the runways' pen) at every zoom
-# and with a pan; its data is always its own.
+# The casebook: one purpose-built field with the cases of the sheet's and the overlay's layout
+# (title block, list rows of odd types and slots, a first VOR that takes the runways' pen,
+# every zoom, a pan, tracks of several lengths); its data is always its own.
 data=$(dirname "$0")/casebook
 pluses=(plus plus plus plus plus plus plus)
 minuses=("${pluses[@]/plus/minus}" "${pluses[@]/plus/minus}" minus minus minus)
@@ -41,6 +41,10 @@ run casebook-load type:XCAS search load
 run casebook-zoom-in type:XCAS search load "${pluses[@]}"
 run casebook-zoom-out type:XCAS search load "${minuses[@]}"
 run casebook-pan type:XCAS search load plus click:8000,4500 minus click:6000,6000
+# Tracks of five and six fixes, GPS and ILS: the lines turn dotted by their count.
+for k in 0 1 2 3; do
+  run "casebook-pick$k" type:XCAS search load "pick:$k"
+done
 
 if [ "${3:-}" = --write ]; then
   rm -rf "$expected" && mkdir -p "$expected" && cp "$out"/* "$expected"/
