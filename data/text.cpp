@@ -138,4 +138,32 @@ std::vector<std::string_view> Split(std::string_view text, char sep) {
   }
 }
 
+std::string EscapeXml(std::string_view text, std::string_view special) {
+  std::string out;
+  out.reserve(text.size());
+  for (char c : text) {
+    if (special.find(c) == std::string_view::npos) {
+      out += c;
+      continue;
+    }
+    switch (c) {
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      default:
+        out += c;
+    }
+  }
+  return out;
+}
+
 }  // namespace velmora

@@ -22,6 +22,9 @@ std::string UpperCase(std::string_view text);
 bool ContainsNoCase(std::string_view text, std::string_view word);
 
 std::string RemoveBlanks(std::string_view text);
+
+// `text` with each of the characters of `special` among & < > " written as its XML entity.
+std::string EscapeXml(std::string_view text, std::string_view special);
 // Pieces between every `sep`; an empty text gives one empty piece.
 std::vector<std::string_view> Split(std::string_view text, char sep);
 

@@ -20,26 +20,6 @@ std::string Stroke(const Pen& p) {
   return s;
 }
 
-std::string Escape(std::string_view utf8) {
-  std::string out;
-  for (char c : utf8) {
-    switch (c) {
-      case '&':
-        out += "&amp;";
-        break;
-      case '<':
-        out += "&lt;";
-        break;
-      case '>':
-        out += "&gt;";
-        break;
-      default:
-        out += c;
-    }
-  }
-  return out;
-}
-
 }  // namespace
 
 void SvgCanvas::drawCls() {
@@ -66,7 +46,8 @@ void SvgCanvas::drawText(const Pen& p, std::string_view text) {
   const int em = p.FontSize * 20;
   body_ << "<text x=\"" << p.CurrentX << "\" y=\"" << ScreenAdd(p.CurrentY, em * 9 / 10)
         << "\" font-size=\"" << em << '"' << (p.FontBold ? " font-weight=\"bold\"" : "")
-        << " fill=\"" << Colour(p.ForeColor) << "\">" << Escape(Cp1252ToUtf8(text)) << "</text>\n";
+        << " fill=\"" << Colour(p.ForeColor) << "\">" << EscapeXml(Cp1252ToUtf8(text), "&<>")
+        << "</text>\n";
 }
 
 std::string SvgCanvas::document() const {

@@ -93,26 +93,8 @@ Converter ConverterOf(std::string_view element, std::string_view key) {
 
 // The reader splits at every double quote and takes any "<" for an element: both must go as
 // references. Entities are not decoded by the reader, so they show as written.
-std::string Escaped(std::string value) {
-  if (value.find_first_of("&<\"") == std::string::npos) return value;
-  std::string out;
-  out.reserve(value.size());
-  for (char c : value) {
-    switch (c) {
-      case '&':
-        out += "&amp;";
-        break;
-      case '<':
-        out += "&lt;";
-        break;
-      case '"':
-        out += "&quot;";
-        break;
-      default:
-        out += c;
-    }
-  }
-  return out;
+std::string Escaped(const std::string& value) {
+  return EscapeXml(value, "&<\"");
 }
 
 class Writer {

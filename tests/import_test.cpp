@@ -274,6 +274,19 @@ TEST(Import, OverAnExistingFolderOnlyTheSameNameIsReplaced) {
   EXPECT_NE(err.str().find("\"XGOD\" stands also in a_kept.txt"), std::string::npos) << err.str();
 }
 
+// The reader splits at every double quote and takes any "<" for an element: such characters
+// of a name are written as references, which the reader shows as written.
+TEST(Import, QuotesAndAngleBracketsOfANameGoAsReferences) {
+  TempDir dir;
+  const std::string source =
+      "<FSData><Airport ident=\"XAMP\" name=\"A &amp; B &quot;&lt;x&gt;&quot;\" lat=\"10\" "
+      "lon=\"20\"></Airport></FSData>\n";
+  std::ostringstream err;
+  EXPECT_EQ(Import(dir, {dir.write("src/amp.xml", source)}, err).status, 0) << err.str();
+  const std::string written = Slurp(dir.path() / "data/FSXFiles/amp.xml");
+  EXPECT_NE(written.find("name=\"A &amp; B &quot;&lt;x>&quot;\""), std::string::npos) << written;
+}
+
 TEST(Import, VorsJoinTheListOnceAndWithinItsLength) {
   TempDir dir;
   std::string list = "GOOD VOR;20;30.00;10;30.00;H;GVR;113.00\r\n";
