@@ -1,13 +1,11 @@
 #include "bench/bench_support.h"
 
-#include <atomic>
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <map>
-#include <new>
 #include <stdexcept>
 #include <vector>
 
@@ -15,70 +13,6 @@
 #include "data/vor.h"
 #include "geometry/coords.h"
 #include "geometry/mapping.h"
-
-// Counting replacements of the global allocator, so a benchmark can show it allocates nothing.
-namespace {
-std::atomic<std::size_t> gAllocations{0};
-
-void* Allocate(std::size_t n) {
-  gAllocations.fetch_add(1, std::memory_order_relaxed);
-  return std::malloc(n == 0 ? 1 : n);
-}
-
-void* AllocateAligned(std::size_t n, std::align_val_t align) {
-  gAllocations.fetch_add(1, std::memory_order_relaxed);
-  void* p = nullptr;
-  const std::size_t a = std::max(sizeof(void*), static_cast<std::size_t>(align));
-  return posix_memalign(&p, a, n == 0 ? 1 : n) == 0 ? p : nullptr;
-}
-}  // namespace
-
-void* operator new(std::size_t n) {
-  if (void* p = Allocate(n)) return p;
-  throw std::bad_alloc();
-}
-void* operator new[](std::size_t n) {
-  if (void* p = Allocate(n)) return p;
-  throw std::bad_alloc();
-}
-void* operator new(std::size_t n, const std::nothrow_t&) noexcept {
-  return Allocate(n);
-}
-void* operator new[](std::size_t n, const std::nothrow_t&) noexcept {
-  return Allocate(n);
-}
-void* operator new(std::size_t n, std::align_val_t a) {
-  if (void* p = AllocateAligned(n, a)) return p;
-  throw std::bad_alloc();
-}
-void* operator new[](std::size_t n, std::align_val_t a) {
-  if (void* p = AllocateAligned(n, a)) return p;
-  throw std::bad_alloc();
-}
-void operator delete(void* p) noexcept {
-  std::free(p);
-}
-void operator delete[](void* p) noexcept {
-  std::free(p);
-}
-void operator delete(void* p, std::size_t) noexcept {
-  std::free(p);
-}
-void operator delete[](void* p, std::size_t) noexcept {
-  std::free(p);
-}
-void operator delete(void* p, std::align_val_t) noexcept {
-  std::free(p);
-}
-void operator delete[](void* p, std::align_val_t) noexcept {
-  std::free(p);
-}
-void operator delete(void* p, std::size_t, std::align_val_t) noexcept {
-  std::free(p);
-}
-void operator delete[](void* p, std::size_t, std::align_val_t) noexcept {
-  std::free(p);
-}
 
 namespace velmora::bench {
 namespace {
@@ -110,13 +44,19 @@ class Rng {
 // Lines with CR LF, as the data files are written.
 class Writer {
  public:
+  // Formats into the text itself, however long the line.
   void line(const char* fmt, ...) __attribute__((format(printf, 2, 3))) {
-    char buf[512];
-    va_list args;
+    va_list args, again;
     va_start(args, fmt);
-    const int n = std::vsnprintf(buf, sizeof buf, fmt, args);
+    va_copy(again, args);
+    const int n = std::vsnprintf(nullptr, 0, fmt, args);
     va_end(args);
-    text.append(buf, static_cast<std::size_t>(std::min<int>(n, sizeof buf - 1)));
+    if (n < 0) throw std::runtime_error(std::string("cannot format ") + fmt);
+    const std::size_t at = text.size();
+    text.resize(at + static_cast<std::size_t>(n) + 1);
+    std::vsnprintf(text.data() + at, static_cast<std::size_t>(n) + 1, fmt, again);
+    va_end(again);
+    text.resize(at + static_cast<std::size_t>(n));
     text += "\r\n";
   }
   void blank() { text += "\r\n"; }
@@ -523,10 +463,6 @@ int WriteBigFile(const std::filesystem::path& path) {
 Data& Shared() {
   static Data data;
   return data;
-}
-
-std::size_t AllocationCount() {
-  return gAllocations.load(std::memory_order_relaxed);
 }
 
 void Record(const std::string& name, double value) {

@@ -117,7 +117,15 @@ void Sweep(Canvas& canvas, const char* name) {
   Record(std::string(name) + "_median", ms[ms.size() / 2] * 1e6);
 }
 
-void Summary(const Data& d) {
+// A row of a count against its goal, with no ratio.
+void CountRow(const std::string& what, std::optional<double> value, const char* format,
+              const std::string& baseline, const char* goal, bool met) {
+  char m[32] = "not run";
+  if (value) std::snprintf(m, sizeof m, format, *value);
+  Row(what, m, baseline, std::nullopt, goal, !value ? "?" : met ? "yes" : "NO");
+}
+
+void DataLines(const Data& d) {
   std::printf(
       "\nData: index %d lines (%.1f MB), airport file %.1f MB with %d airports before "
       "%s, vor.nav %d lines; %d VORs pass the range test at Zoom 16.\n",
@@ -130,23 +138,18 @@ void Summary(const Data& d) {
       "%ld, %ld, %ld (%ld terminal rows).\n\n",
       plain.lines, plain.circles, plain.texts, overlay.lines, overlay.circles, overlay.texts,
       overlay.termRows);
-
   std::printf("%-42s %-14s %-16s %7s  %-7s %s\n", "target", "measured", "baseline/budget", "ratio",
               "goal", "met");
-  // The reader rows hold the rates reached, not only the floor the program needs, so that a
-  // slip of the line reader shows.
+}
+
+// The reader rows hold the rates reached, not only the floor the program needs, so that a
+// slip of the line reader shows.
+void ReaderRows() {
   RateRow("index search rate vs memchr count", "BM_SearchIndex", "BM_IndexLineCount", 0.7,
           ">=0.70");
   BudgetRow("LonToGrid + LatToGrid, one pair", Recorded("BM_CoordToGrid"), 100, "100 ns");
-  {
-    const auto allocs = Recorded("coord_allocs");
-    char m[32] = "not run";
-    if (allocs) std::snprintf(m, sizeof m, "%.3f", *allocs);
-    Row("  allocations per pair", m, "0", std::nullopt, "==0",
-        !allocs        ? "?"
-        : *allocs == 0 ? "yes"
-                       : "NO");
-  }
+  const auto allocs = Recorded("coord_allocs");
+  CountRow("  allocations per pair", allocs, "%.3f", "0", "==0", allocs && *allocs == 0);
   RateRow("ExtractArpt rate vs memchr count", "BM_ExtractArpt", "BM_AirportFileLineCount", 1.5,
           ">=1.50");
   RateRow("velmora-index rate vs memchr count", "BM_BuildIndex", "BM_WorldLineCount", 0.5,
@@ -160,21 +163,22 @@ void Summary(const Data& d) {
   }
   RateRow("ExtractArpt, one 200 MB line, vs count", "BM_LongLineExtract", "BM_LongLineCount", 0.4,
           ">=0.40");
-  {
-    // Bounded by the line limit and two reads' worth of buffer.
-    const auto bytes = Recorded("long_line_buffer_bytes");
-    const double bound = static_cast<double>(kMaxLineBytes + (2u << 20));
-    char m[32] = "not run";
-    if (bytes) std::snprintf(m, sizeof m, "%.1f MB", *bytes / 1048576.0);
-    Row("  reader's buffer for it", m, "18.0 MB",
-        bytes ? std::optional(*bytes / bound) : std::nullopt, "<=1.00",
-        !bytes            ? "?"
-        : *bytes <= bound ? "yes"
-                          : "NO");
-  }
+  // Bounded by the line limit and two reads' worth of buffer.
+  const auto bytes = Recorded("long_line_buffer_bytes");
+  const double bound = static_cast<double>(kMaxLineBytes + (2u << 20));
+  char m[32] = "not run";
+  if (bytes) std::snprintf(m, sizeof m, "%.1f MB", *bytes / 1048576.0);
+  Row("  reader's buffer for it", m, "18.0 MB",
+      bytes ? std::optional(*bytes / bound) : std::nullopt, "<=1.00",
+      !bytes            ? "?"
+      : *bytes <= bound ? "yes"
+                        : "NO");
   BudgetRow("LoadVor, 8001 lines", Recorded("BM_LoadVor"), 5e6, "5 ms");
   InfoRow("  LoadVor vs memchr count of vor.nav", Recorded("BM_LoadVor"),
           Recorded("BM_VorLineCount"), "count");
+}
+
+void DrawingRows() {
   BudgetRow("full redraw, raster", Recorded("BM_RedrawRaster"), 8e6, "8 ms");
   InfoRow("  raster vs null canvas", Recorded("BM_RedrawRaster"), Recorded("BM_RedrawNull"),
           "null");
@@ -187,6 +191,13 @@ void Summary(const Data& d) {
           "null");
   RatioRow("kit PDF, 11 pages vs one-chart PDF", "BM_KitPdf", "BM_SingleChartPdf", 3.0, "<=3.00");
   RatioRow("kit PDF with --fit vs without", "BM_KitPdfFit", "BM_KitPdf", 1.5, "<=1.50");
+  InfoRow("50 zoom steps, median step, raster", Recorded("zoom_raster_median"),
+          Recorded("zoom_null_median"), "null");
+  InfoRow("50 zoom steps, worst step, raster", Recorded("zoom_raster_worst"),
+          Recorded("zoom_null_worst"), "null");
+}
+
+void ImportRows() {
   RateRow("velmora-import rate vs expat's plain parse", "BM_Import", "BM_ExpatParse", 0.5,
           ">=0.50");
   InfoRow("  expat without handlers, vs import", Recorded("BM_ExpatMarkupOnly"),
@@ -199,14 +210,16 @@ void Summary(const Data& d) {
     Row("  its peak memory vs the source", m, b, *peak / *source, "<=3.00",
         *peak <= 3 * *source ? "yes" : "NO");
   }
-  if (const auto loaded = Recorded("import_loaded")) {
-    Row("  imported airports that load", std::to_string(static_cast<int>(*loaded)), "2000",
-        std::nullopt, "==2000", *loaded == 2000 ? "yes" : "NO");
-  }
-  InfoRow("50 zoom steps, median step, raster", Recorded("zoom_raster_median"),
-          Recorded("zoom_null_median"), "null");
-  InfoRow("50 zoom steps, worst step, raster", Recorded("zoom_raster_worst"),
-          Recorded("zoom_null_worst"), "null");
+  const auto loaded = Recorded("import_loaded");
+  CountRow("  imported airports that load", loaded, "%.0f", "2000", "==2000",
+           loaded && *loaded == 2000);
+}
+
+void Summary(const Data& d) {
+  DataLines(d);
+  ReaderRows();
+  DrawingRows();
+  ImportRows();
 }
 
 }  // namespace
