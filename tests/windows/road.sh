@@ -45,8 +45,10 @@ shot() { convert "xwd:$work/Xvfb_screen0" "$shots/$1.png"; }
 
 # Client coordinates of a point given in twips: 15 twips to a pixel at 96 DPI.
 at() { echo $(($1 * dpi / 1440)) $(($2 * dpi / 1440)); }
+# The window, found anew before each use: Wine may replace its X window while it starts.
+window() { xdotool search --onlyvisible --class 'velmora\.exe' 2>/dev/null | tail -n 1; }
 click() {
-  xdotool mousemove --window "$win" $(at "$1" "$2") click 1
+  xdotool mousemove --window "$(window)" $(at "$1" "$2") click 1
   sleep 2
 }
 
@@ -55,10 +57,10 @@ for dpi in 96 144; do
     >/dev/null 2>&1
   "$WINE" "$app/velmora.exe" </dev/null >/dev/null 2>&1 &
   pids+=($!)
-  win=$(timeout 60 xdotool search --sync --onlyvisible --name '^Velmora' | head -n 1)
-  [ -n "$win" ] || fail "velmora.exe showed no window within a minute"
+  for _ in $(seq 60); do [ -n "$(window)" ] && break; sleep 1; done
+  [ -n "$(window)" ] || fail "velmora.exe showed no window within a minute"
   sleep 4
-  read -r width height < <(xdotool getwindowgeometry "$win" |
+  read -r width height < <(xdotool getwindowgeometry "$(window)" |
     awk -F'[ x]+' '/Geometry/ { print $3, $4 }')
   # The form is 16815 x 10470 twips.
   want_w=$((16815 * dpi / 1440)) want_h=$((10470 * dpi / 1440))
