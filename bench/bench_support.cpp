@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "data/extract.h"
+#include "data/text.h"
 #include "data/vor.h"
 #include "geometry/coords.h"
 #include "geometry/mapping.h"
@@ -58,6 +59,10 @@ class Writer {
     va_end(again);
     text.resize(at + static_cast<std::size_t>(n));
     text += "\r\n";
+  }
+  // Lines of a multi-line template as they stand.
+  void block(std::string_view lines) {
+    for (std::string_view l : Split(lines, '\n')) (text += l) += "\r\n";
   }
   void blank() { text += "\r\n"; }
   std::string text;
@@ -145,12 +150,12 @@ void Header(Writer& w, const AirportShape& a, Rng& rng, const char* name) {
   w.line("    lon=\"%s\"", Lon(a.lon).c_str());
   w.line("    alt=\"%.1fM\"", rng.range(0, 2500));
   w.line("    magvar=\"%.3f\"", rng.range(0, 360));
-  w.line("    trafficScalar=\"0.7\">");
-  w.line("    <Services>");
-  w.line("        <Fuel type=\"100\"");
-  w.line("            availability=\"YES\"/>");
-  w.line("    </Services>");
-  w.line("    <Tower");
+  w.block(R"(    trafficScalar="0.7">
+    <Services>
+        <Fuel type="100"
+            availability="YES"/>
+    </Services>
+    <Tower)");
   w.line("        lat=\"%s\"", Lat(a.lat + 0.003).c_str());
   w.line("        lon=\"%s\"", Lon(a.lon - 0.002).c_str());
   w.line("        alt=\"%.1fM\"", rng.range(0, 2500));
@@ -165,17 +170,17 @@ void Ils(Writer& w, const AirportShape& a, Rng& rng, const std::string& name, in
   w.line("            range=\"27.0N\"");
   w.line("            frequency=\"%d.%02d\"", rng.pick(108, 111), rng.pick(0, 19) * 5);
   w.line("            heading=\"%d.0\"", heading);
-  w.line("            magvar=\"341.0\"");
-  w.line("            width=\"5.0\"");
-  w.line("            backCourse=\"FALSE\"");
+  w.block(R"(            magvar="341.0"
+            width="5.0"
+            backCourse="FALSE")");
   w.line("            name=\"%s\">", name.c_str());
   w.line("            <GlideSlope");
   w.line("                lat=\"%s\"", Lat(a.lat + 0.01).c_str());
   w.line("                lon=\"%s\"", Lon(a.lon).c_str());
-  w.line("                alt=\"130.2M\"");
-  w.line("                pitch=\"3.00\"");
-  w.line("                range=\"18.5N\"/>");
-  w.line("        </Ils>");
+  w.block(R"(                alt="130.2M"
+                pitch="3.00"
+                range="18.5N"/>
+        </Ils>)");
 }
 
 struct RunwayShape {
@@ -194,29 +199,29 @@ void Runway(Writer& w, const AirportShape& a, Rng& rng, const RunwayShape& r) {
   w.line("        width=\"%.1fM\"", rng.range(20, 60));
   w.line("        heading=\"%d.0\"", r.number * 10);
   w.line("        surface=\"%s\"", kSurfaces[rng.pick(0, 3)]);
-  w.line("        patternAltitude=\"304.8M\">");
-  w.line("        <Markings alternateThreshold=\"FALSE\"");
-  w.line("            edges=\"TRUE\"");
-  w.line("            threshold=\"TRUE\"");
-  w.line("            fixedDistance=\"TRUE\"");
-  w.line("            touchdown=\"TRUE\"");
-  w.line("            designation=\"TRUE\"");
-  w.line("            />");
-  w.line("        <Lights center=\"NONE\"");
-  w.line("            edge=\"MEDIUM\"");
-  w.line("            centerRed=\"FALSE\"");
-  w.line("            />");
+  w.block(R"(        patternAltitude="304.8M">
+        <Markings alternateThreshold="FALSE"
+            edges="TRUE"
+            threshold="TRUE"
+            fixedDistance="TRUE"
+            touchdown="TRUE"
+            designation="TRUE"
+            />
+        <Lights center="NONE"
+            edge="MEDIUM"
+            centerRed="FALSE"
+            />)");
   if (r.vasi) {
-    w.line("        <Vasi end=\"PRIMARY\"");
-    w.line("            type=\"PAPI4\"");
-    w.line("            side=\"LEFT\"");
+    w.block(R"(        <Vasi end="PRIMARY"
+            type="PAPI4"
+            side="LEFT")");
     w.line("            lat=\"%s\"", Lat(r.lat + 0.004).c_str());
     w.line("            lon=\"%s\"", Lon(r.lon + 0.001).c_str());
-    w.line("            biasX=\"-20.0M\"");
-    w.line("            biasZ=\"300.0M\"");
-    w.line("            spacing=\"9.0M\"");
-    w.line("            pitch=\"3.00\"");
-    w.line("            />");
+    w.block(R"(            biasX="-20.0M"
+            biasZ="300.0M"
+            spacing="9.0M"
+            pitch="3.00"
+            />)");
   }
   if (!r.ilsName.empty()) Ils(w, a, rng, r.ilsName, r.number * 10);
   w.line("    </Runway>");
@@ -252,9 +257,9 @@ void Ndb(Writer& w, const std::string& ident, double lat, double lon, Rng& rng) 
 }
 
 void Waypoint(Writer& w, const std::string& ident, double lat, double lon) {
-  w.line("    <Waypoint");
-  w.line("        waypointType=\"NAMED\"");
-  w.line("        waypointRegion=\"K1\"");
+  w.block(R"(    <Waypoint
+        waypointType="NAMED"
+        waypointRegion="K1")");
   w.line("        waypointIdent=\"%s\"", ident.c_str());
   w.line("        magvar=\"341.0\"");
   w.line("        lat=\"%s\"", Lat(lat).c_str());
@@ -282,10 +287,10 @@ void ApproachStart(Writer& w, const char* type, int runway, const char* designat
   w.line("    <Approach type=\"%s\"", type);
   w.line("        runway=\"%d\"", runway);
   w.line("        designator=\"%s\"", designator);
-  w.line("        suffix=\"0\"");
-  w.line("        gpsOverlay=\"FALSE\"");
-  w.line("        altitude=\"1200.00F\"");
-  w.line("        heading=\"160.0\">");
+  w.block(R"(        suffix="0"
+        gpsOverlay="FALSE"
+        altitude="1200.00F"
+        heading="160.0">)");
 }
 
 void Transition(Writer& w, const char* fixType, const std::string& fix, const std::string& next,
@@ -420,9 +425,9 @@ void WantedAirport(Writer& w) {
   w.line("        <ApproachLegs>");
   for (int i = 0; i < 5; ++i) Leg(w, "            ", "CF", waypoints[i + 10], recommended, rng);
   Leg(w, "            ", "CF", "RW34R", recommended, rng);
-  w.line("        </ApproachLegs>");
-  w.line("    </Approach>");
-  w.line("</Airport>");
+  w.block(R"(        </ApproachLegs>
+    </Approach>
+</Airport>)");
 }
 
 void WriteIndex(const std::filesystem::path& path) {
