@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <ostream>
 
+#include "data/platform.h"
+
 namespace velmora {
 namespace {
 
@@ -65,8 +67,15 @@ bool Switch(Given& g, const std::string&, std::ostream&) {
   return true;
 }
 
+// A path member `M` from the UTF-8 text of the command line.
+template <std::filesystem::path ChartOptions::*M>
+bool SetPath(Given& g, const std::string& value, std::ostream&) {
+  g.options.*M = PathFromUtf8(value);
+  return true;
+}
+
 bool AddOut(Given& g, const std::string& value, std::ostream&) {
-  g.options.outPaths.push_back(value);
+  g.options.outPaths.push_back(PathFromUtf8(value));
   return true;
 }
 
@@ -76,9 +85,9 @@ bool SetAirports(Given& g, const std::string& value, std::ostream&) {
 }
 
 const Option kOptions[] = {
-    {"--data", "DIR", false, Set<&ChartOptions::dataDir>},
-    {"--trace", "FILE", false, Set<&ChartOptions::tracePath>},
-    {"--state", "FILE", false, Set<&ChartOptions::statePath>},
+    {"--data", "DIR", false, SetPath<&ChartOptions::dataDir>},
+    {"--trace", "FILE", false, SetPath<&ChartOptions::tracePath>},
+    {"--state", "FILE", false, SetPath<&ChartOptions::statePath>},
     {"--out", "FILE", false, AddOut},
     {"--scale", "F", false, SetScale},
     {"--airport", "CODE", false, SetAirports},

@@ -38,9 +38,10 @@ ChartStep ParseStep(std::string_view text);
 
 struct ChartOptions {
   std::filesystem::path dataDir;
-  std::string tracePath;  // "-" is standard output
-  std::string statePath;
-  std::vector<std::string> outPaths;
+  // Paths from the command line's UTF-8, never through the system's narrow code page.
+  std::filesystem::path tracePath;  // "-" is standard output
+  std::filesystem::path statePath;
+  std::vector<std::filesystem::path> outPaths;
   double scale = 1.0;  // PNG pixels per canvas pixel
   bool help = false;
   bool version = false;

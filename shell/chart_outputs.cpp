@@ -32,7 +32,7 @@ class FolderKit final : public KitDocument {
 }  // namespace
 
 std::string PictureExtension(const std::filesystem::path& path) {
-  std::string ext = path.extension().string();
+  std::string ext = PathToUtf8(path.extension());
   for (char& ch : ext) ch = static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
   return ext;
 }
@@ -66,7 +66,7 @@ bool WriteOutput(const std::filesystem::path& path, const FileFiller& fill, std:
   return false;
 }
 
-bool ChartSink::open(const std::string& path, std::ostream& stdOut, std::ostream& err) {
+bool ChartSink::open(const std::filesystem::path& path, std::ostream& stdOut, std::ostream& err) {
   if (path.empty()) return true;
   if (path == "-") {
     stream_ = &stdOut;
@@ -74,7 +74,7 @@ bool ChartSink::open(const std::string& path, std::ostream& stdOut, std::ostream
   }
   std::string reason;
   if (!file_.open(path, reason)) {
-    err << "velmora-chart: cannot write " << path << "\n";
+    err << "velmora-chart: cannot write " << PathToUtf8(path) << "\n";
     return false;
   }
   path_ = path;
@@ -88,7 +88,7 @@ bool ChartSink::commit(std::ostream& err) {
   toFile_ = false;
   std::string reason;
   if (file_.commit(reason)) return true;
-  err << "velmora-chart: cannot write " << path_ << "\n";
+  err << "velmora-chart: cannot write " << PathToUtf8(path_) << "\n";
   return false;
 }
 
@@ -99,13 +99,14 @@ std::unique_ptr<KitDocument> MakeFolderKit(const std::filesystem::path& folder,
                                      std::move(writePicture));
 }
 
-bool IsFolderOut(const std::string& path) {
-  return path.ends_with('/') || std::filesystem::is_directory(path);
+bool IsFolderOut(const std::filesystem::path& path) {
+  // "DIR/" has no file name, whichever separator the system uses.
+  return !path.has_filename() || std::filesystem::is_directory(path);
 }
 
 bool OutputFoldersExist(const ChartOptions& o, std::ostream& err) {
-  for (const std::string& out : o.outPaths) {
-    std::filesystem::path folder = std::filesystem::path(out).parent_path();
+  for (const std::filesystem::path& out : o.outPaths) {
+    std::filesystem::path folder = out.parent_path();
     if (o.allApproaches && IsFolderOut(out)) folder = out;
     if (!folder.empty() && !std::filesystem::is_directory(folder)) {
       err << "velmora-chart: the folder " << PathToUtf8(folder)

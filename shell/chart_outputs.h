@@ -40,12 +40,12 @@ bool WriteOutput(const std::filesystem::path& path, const FileFiller& fill, std:
 // empty path is no stream at all.
 class ChartSink {
  public:
-  bool open(const std::string& path, std::ostream& stdOut, std::ostream& err);
+  bool open(const std::filesystem::path& path, std::ostream& stdOut, std::ostream& err);
   std::ostream* get() const { return stream_; }
   bool commit(std::ostream& err);
 
  private:
-  std::string path_;
+  std::filesystem::path path_;
   WholeFile file_;
   bool toFile_ = false;
   std::ostream* stream_ = nullptr;
@@ -77,7 +77,7 @@ std::unique_ptr<KitDocument> MakeFolderKit(const std::filesystem::path& folder,
                                            const ChartOptions& options, PictureWriter writePicture);
 
 // "DIR/" or an existing folder: a kit goes there as pictures.
-bool IsFolderOut(const std::string& path);
+bool IsFolderOut(const std::filesystem::path& path);
 
 // Before any work: a folder that isn't there can't take the outputs.
 bool OutputFoldersExist(const ChartOptions& options, std::ostream& err);

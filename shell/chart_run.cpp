@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "data/platform.h"
 #include "data/text.h"
 #include "geometry/fix.h"
 #include "shell/chart_session.h"
@@ -82,14 +83,14 @@ int RunKit(const ChartOptions& o, ChartSession& session, KitDocument& kit, std::
 
 int MakeAndRunKit(const ChartOptions& o, const PictureWriter& writePicture, const KitMaker& makeKit,
                   ChartSession& session, std::ostream& err) {
-  const std::string& path = o.outPaths.front();
+  const std::filesystem::path& path = o.outPaths.front();
   std::unique_ptr<KitDocument> kit;
   if (IsFolderOut(path)) {
     kit = MakeFolderKit(path, o, writePicture);
   } else if (makeKit) {
     kit = makeKit(path, o, err);
   } else {
-    err << "velmora-chart: " << path << ": a kit is a .pdf or a folder\n";
+    err << "velmora-chart: " << PathToUtf8(path) << ": a kit is a .pdf or a folder\n";
   }
   if (!kit) return 2;
   if (const int status = RunKit(o, session, *kit, err)) return status;
@@ -117,7 +118,7 @@ int RunSteps(const ChartOptions& o, ChartSession& session, std::ostream& err) {
 bool WritePictures(const ChartOptions& o, const PictureWriter& writePicture,
                    const ChartSession& session, std::ostream& err) {
   bool written = true;
-  for (const std::string& path : o.outPaths) {
+  for (const std::filesystem::path& path : o.outPaths) {
     const auto fill = PictureFiller(session.picture(), path, o.scale, writePicture, err);
     if (!WriteOutput(path, fill, err)) written = false;
   }

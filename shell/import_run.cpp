@@ -34,7 +34,7 @@ struct Source {
 };
 
 bool IsXml(const std::filesystem::path& p) {
-  std::string ext = p.extension().string();
+  std::string ext = PathToUtf8(p.extension());
   std::transform(ext.begin(), ext.end(), ext.begin(),
                  [](unsigned char c) { return std::tolower(c); });
   return ext == ".xml";
@@ -67,13 +67,18 @@ bool Expand(const std::filesystem::path& source, std::vector<std::filesystem::pa
   return true;
 }
 
-// The name in FSXFiles: the source's, without the blanks the search would remove, and unique
-// within one import.
+// The source's name as the index can give it back: the index holds Windows-1252, so on Windows
+// a character it lacks comes back as "?", which no file name there holds.
+std::string IndexableName(const std::filesystem::path& name) {
+  return PathToUtf8(PathFromCp1252(PathToCp1252(name)));
+}
+
+// The name in FSXFiles (UTF-8): the source's, without the blanks the search would remove and
+// the characters the index can't name, and unique within one import.
 std::string TargetName(const std::filesystem::path& source, std::vector<std::string>& taken) {
-  std::string stem = source.stem().string(), ext = source.extension().string();
+  std::string stem = IndexableName(source.stem()), ext = IndexableName(source.extension());
   for (std::string* s : {&stem, &ext}) {
-    std::replace(s->begin(), s->end(), ' ', '_');
-    std::replace(s->begin(), s->end(), ';', '_');
+    for (const char c : {' ', ';', '?'}) std::replace(s->begin(), s->end(), c, '_');
   }
   std::string name = stem + ext;
   for (int n = 2; std::find(taken.begin(), taken.end(), name) != taken.end(); ++n) {
@@ -136,13 +141,13 @@ std::optional<ImportOptions> ParseImportArgs(const std::vector<std::string>& arg
   for (std::size_t i = 0; i < args.size(); ++i) {
     const std::string& a = args[i];
     if (a == "--data" && i + 1 < args.size() && !args[i + 1].empty()) {
-      options.dataDir = args[++i];
+      options.dataDir = PathFromUtf8(args[++i]);
     } else if (a.size() > 1 && a.front() == '-') {
       err << (a == "--data" ? "--data needs a value" : "unknown option " + a) << '\n'
           << ImportUsage();
       return std::nullopt;
     } else {
-      options.sources.emplace_back(a);
+      options.sources.push_back(PathFromUtf8(a));
     }
   }
   if (options.sources.empty()) {
@@ -192,8 +197,8 @@ void WriteAirportFiles(const std::vector<Source>& sources, const std::filesystem
   for (const Source& s : sources) {
     if (s.name.empty()) continue;
     std::string error;
-    if (!WriteWhole(folder / s.name, AirportFileText(s.converted, Copies(s.converted, navaids)),
-                    error)) {
+    if (!WriteWhole(folder / PathFromUtf8(s.name),
+                    AirportFileText(s.converted, Copies(s.converted, navaids)), error)) {
       err << error << '\n';
       ++result.skipped;
       continue;

@@ -71,7 +71,7 @@ std::optional<IndexOptions> ParseIndexArgs(const std::vector<std::string>& args,
       if (a == "--data") {
         options.dataDir = PathFromUtf8(args[++i]);
       } else {
-        options.outPath = args[++i];
+        options.outPath = PathFromUtf8(args[++i]);
       }
     } else {
       err << (a == "--data" || a == "--out" ? a + " needs a value" : "unknown option " + a) << '\n'
@@ -104,9 +104,8 @@ int RunIndex(const IndexOptions& options, std::ostream& out, std::ostream& err, 
   std::string text;
   for (const IndexEntry& e : build.entries) text += IndexLine(e);
 
-  const std::filesystem::path target = options.outPath.empty()
-                                           ? options.dataDir / kIndexFileName
-                                           : std::filesystem::path(options.outPath);
+  const std::filesystem::path target =
+      options.outPath.empty() ? options.dataDir / kIndexFileName : options.outPath;
   if (options.check) return Compare(target, text, err) ? 0 : 1;
   if (options.outPath == "-") {
     out << text << std::flush;

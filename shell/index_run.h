@@ -11,7 +11,7 @@ namespace velmora {
 
 struct IndexOptions {
   std::filesystem::path dataDir;
-  std::string outPath;  // "-" is standard output; empty: "Arpt index.txt" in dataDir
+  std::filesystem::path outPath;  // "-" is standard output; empty: "Arpt index.txt" in dataDir
   bool check = false;
 };
 

@@ -274,6 +274,31 @@ TEST(Import, OverAnExistingFolderOnlyTheSameNameIsReplaced) {
   EXPECT_NE(err.str().find("\"XGOD\" stands also in a_kept.txt"), std::string::npos) << err.str();
 }
 
+// The index names files in Windows-1252: an imported file keeps every character of its source's
+// name that the index can give back, so that its airports are found.
+TEST(Import, FileNamesOutsideAsciiStayFindable) {
+  const struct {
+    std::filesystem::path source, written;
+  } cases[] = {
+      {u8"K\u00f6ln S\u00fcd.xml", u8"K\u00f6ln_S\u00fcd.xml"},
+#ifdef _WIN32
+      {u8"\u0141\u00f3d\u017a.xml", u8"_\u00f3d_.xml"},
+#else
+      {u8"\u0141\u00f3d\u017a.xml", u8"\u0141\u00f3d\u017a.xml"},
+#endif
+  };
+  for (const auto& c : cases) {
+    TempDir dir;
+    std::ostringstream err;
+    EXPECT_EQ(Import(dir, {dir.write(std::filesystem::path("src") / c.source, kGood)}, err).status,
+              0)
+        << err.str();
+    EXPECT_TRUE(std::filesystem::exists(dir.path() / "data/FSXFiles" / c.written));
+    EXPECT_EQ(Slurp(dir.path() / "data" / kIndexFileName),
+              "XGOD;Good;;" + PathToCp1252(c.written) + "\r\n");
+  }
+}
+
 // The reader splits at every double quote and takes any "<" for an element: such characters
 // of a name are written as references, which the reader shows as written.
 TEST(Import, QuotesAndAngleBracketsOfANameGoAsReferences) {
@@ -368,10 +393,12 @@ TEST(Import, CommandLine) {
   EXPECT_FALSE(ParseImportArgs({}, "/d", err));
   EXPECT_FALSE(ParseImportArgs({"--data"}, "/d", err));
   EXPECT_FALSE(ParseImportArgs({"--bogus", "a.xml"}, "/d", err));
-  const auto options = ParseImportArgs({"--data", "/x", "a.xml", "dir"}, "/d", err);
+  // Arguments are UTF-8 on every system; a name outside ASCII stays that name.
+  const auto options =
+      ParseImportArgs({"--data", "/J\xc3\xbcrgen", "K\xc3\xb6ln.xml", "dir"}, "/d", err);
   ASSERT_TRUE(options);
-  EXPECT_EQ(options->dataDir, "/x");
-  EXPECT_EQ(options->sources, (std::vector<std::filesystem::path>{"a.xml", "dir"}));
+  EXPECT_EQ(options->dataDir, std::filesystem::path(u8"/Jürgen"));
+  EXPECT_EQ(options->sources, (std::vector<std::filesystem::path>{u8"Köln.xml", "dir"}));
 }
 
 TEST(Import, TheIndexTellsOfAirportsInAnotherLayout) {

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "charts/fit.h"
+#include "data/platform.h"
 #include "shell/chart_name.h"
 #include "shell/chart_run.h"
 #include "test_support.h"
@@ -91,8 +92,8 @@ TEST(ChartTool, UsageExitStatusesAndAirportsWithoutAChart) {
   TempDir d;
   WriteAirports(d, {{"XGEN", {kCompact}}});
   d.write("Arpt index.txt", CrLf({"XGEN;G;T;gen.txt", "XMIS;G;T;gen.txt"}));
-  const std::string kept = d.write("kept.png", "old picture").string();
-  const std::string missing = (d.path() / "nofolder" / "x.png").string();
+  const std::string kept = PathToUtf8(d.write("kept.png", "old picture"));
+  const std::string missing = PathToUtf8(d.path() / "nofolder" / "x.png");
   // clang-format off
   const struct { Lines args; int status; std::string out, err; } cases[] = {
       {{"--help"}, 0, "exit status: 0 done", ""},
@@ -126,6 +127,20 @@ TEST(ChartTool, UsageExitStatusesAndAirportsWithoutAChart) {
   // The failed runs left the old picture and no temporary file behind.
   EXPECT_EQ(Slurp(kept), "old picture");
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(d.path()), {}), 4);
+}
+
+// Arguments are UTF-8 on every system: files named outside ASCII are written under those names.
+TEST(ChartTool, WritesFilesNamedOutsideAscii) {
+  TempDir d;
+  WriteAirports(d, {{"XGEN", {kCompact}}});
+  d.write("Arpt index.txt", CrLf({"XGEN;G;T;gen.txt"}));
+  const std::filesystem::path trace = d.path() / u8"Zürich.trace";
+  const std::filesystem::path picture = d.path() / u8"Köln.svg";
+  const auto run = RunChartTool(
+      d.path(), {"--airport", "XGEN", "--trace", PathToUtf8(trace), "--out", PathToUtf8(picture)});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_NE(Slurp(trace).find("cls"), std::string::npos);
+  EXPECT_NE(Slurp(picture).find("<svg"), std::string::npos);
 }
 
 TEST(Kit, FolderOfPicturesNamedSafelyWithNotesForOddAirports) {

@@ -5,6 +5,8 @@
 #include <fstream>
 #include <random>
 
+#include "data/platform.h"
+
 namespace velmora::test {
 
 TempDir::TempDir() {
@@ -19,7 +21,8 @@ TempDir::~TempDir() {
   std::filesystem::remove_all(path_, ec);
 }
 
-std::filesystem::path TempDir::write(const std::string& name, std::string_view bytes) const {
+std::filesystem::path TempDir::write(const std::filesystem::path& name,
+                                     std::string_view bytes) const {
   const std::filesystem::path file = path_ / name;
   std::filesystem::create_directories(file.parent_path());
   std::ofstream(file, std::ios::binary) << bytes;
@@ -135,7 +138,7 @@ std::string Slurp(const std::filesystem::path& path) {
 
 ChartResult RunChartTool(const std::filesystem::path& data, const Lines& args,
                          const PictureWriter& writer) {
-  Lines all = {"--data", data.string()};
+  Lines all = {"--data", PathToUtf8(data)};
   all.insert(all.end(), args.begin(), args.end());
   std::ostringstream out, err;
   const auto options = ParseChartArgs(all, "/nowhere", err);

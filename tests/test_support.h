@@ -23,7 +23,7 @@ class TempDir {
   ~TempDir();
   const std::filesystem::path& path() const { return path_; }
   // Writes `bytes` exactly (Windows-1252, line ends as given) to a file under the folder.
-  std::filesystem::path write(const std::string& name, std::string_view bytes) const;
+  std::filesystem::path write(const std::filesystem::path& name, std::string_view bytes) const;
 
  private:
   std::filesystem::path path_;
