@@ -40,6 +40,9 @@ Data& Shared();
 // Writes every file under data.dir and loads data.store from them.
 void Generate(Data& data);
 
+// Writes `bytes` to `file` whole, as given; throws when it cannot.
+void WriteFile(const std::filesystem::path& file, std::string_view bytes);
+
 // The reader baseline: fread in 1 MiB chunks, memchr for '\n'.
 std::size_t CountLines(const std::filesystem::path& file);
 
