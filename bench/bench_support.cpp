@@ -44,20 +44,6 @@ class Rng {
   std::uint64_t s_;
 };
 
-// printf into a string, however long the result.
-__attribute__((format(printf, 1, 2))) std::string Format(const char* fmt, ...) {
-  va_list args, again;
-  va_start(args, fmt);
-  va_copy(again, args);
-  const int n = std::vsnprintf(nullptr, 0, fmt, args);
-  va_end(args);
-  if (n < 0) throw std::runtime_error(std::string("cannot format ") + fmt);
-  std::string text(static_cast<std::size_t>(n), '\0');
-  std::vsnprintf(text.data(), text.size() + 1, fmt, again);
-  va_end(again);
-  return text;
-}
-
 // The text of a data file: every line put ends with CR LF, as the data files have it.
 class Writer {
  public:
@@ -509,6 +495,19 @@ std::optional<double> Recorded(const std::string& name) {
   const auto it = Results().find(name);
   if (it == Results().end()) return std::nullopt;
   return it->second;
+}
+
+std::string Format(const char* fmt, ...) {
+  va_list args, again;
+  va_start(args, fmt);
+  va_copy(again, args);
+  const int n = std::vsnprintf(nullptr, 0, fmt, args);
+  va_end(args);
+  if (n < 0) throw std::runtime_error(std::string("cannot format ") + fmt);
+  std::string text(static_cast<std::size_t>(n), '\0');
+  std::vsnprintf(text.data(), text.size() + 1, fmt, again);
+  va_end(again);
+  return text;
 }
 
 void WriteFile(const std::filesystem::path& file, std::string_view bytes) {

@@ -23,6 +23,8 @@ inline constexpr int kVorLines = 8001;
 inline constexpr std::uintmax_t kBigFileBytes = 100'000'000;
 inline constexpr int kApproachLegs = 30;
 inline constexpr std::string_view kBigFileName = "big.txt";
+inline constexpr int kWorldAirports = 30000;  // in velmora-index's world
+inline constexpr int kImportAirports = 2000;  // in velmora-import's source
 
 struct Data {
   // Laid out like the program's own folder: index, VOR list, FSXFiles.
@@ -39,6 +41,9 @@ Data& Shared();
 
 // Writes every file under data.dir and loads data.store from them.
 void Generate(Data& data);
+
+// printf into a string, however long the result.
+std::string Format(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
 
 // Writes `bytes` to `file` whole, as given; throws when it cannot.
 void WriteFile(const std::filesystem::path& file, std::string_view bytes);

@@ -21,8 +21,6 @@
 namespace velmora::bench {
 namespace {
 
-constexpr int kImportAirports = 2000;
-
 void Attrs(std::string& t, const std::string& pad, const std::vector<std::string>& lines) {
   for (const std::string& l : lines) t += "\n" + pad + l;
 }
