@@ -2,9 +2,7 @@
 // files.
 
 #include <benchmark/benchmark.h>
-#include <sys/resource.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <string>
 
@@ -63,19 +61,13 @@ struct World {
 
 const World& TheWorld() {
   static const World world = [] {
-    World w;
-    w.folder = Shared().dir / "world" / "FSXFiles";
+    World w{Shared().dir / "world" / "FSXFiles"};
     std::filesystem::create_directories(w.folder);
     for (int f = 0; f < kWorldFiles; ++f) {
-      const auto path = w.folder / ("part" + std::to_string(100 + f) + ".txt");
-      std::FILE* out = std::fopen(path.c_str(), "wb");
-      if (out == nullptr) break;
-      for (int a = 0; a < kAirportsPerFile; ++a) {
-        const std::string text = WorldAirport(f * kAirportsPerFile + a);
-        std::fwrite(text.data(), 1, text.size(), out);
-      }
-      std::fclose(out);
-      w.bytes += std::filesystem::file_size(path);
+      std::string text;
+      for (int a = 0; a < kAirportsPerFile; ++a) text += WorldAirport(f * kAirportsPerFile + a);
+      WriteFile(w.folder / ("part" + std::to_string(100 + f) + ".txt"), text);
+      w.bytes += text.size();
     }
     return w;
   }();
