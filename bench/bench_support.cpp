@@ -13,7 +13,6 @@
 #include "data/vor.h"
 #include "geometry/coords.h"
 #include "geometry/mapping.h"
-#include "shell/atomic_write.h"
 
 namespace velmora::bench {
 namespace {
@@ -454,17 +453,28 @@ std::string Index() {
   return w.text;
 }
 
-// Everyday airports up to the size wanted, then the wanted airport last.
-std::string BigFile(int& airports) {
+// Everyday airports up to the size wanted, then the wanted airport last; written out a few MB
+// at a time.
+int WriteBigFile(const std::filesystem::path& path) {
   Rng rng(3);
+  std::ofstream out = OutFile(path);
   Writer w;
   w.put(R"(<?xml version="1.0" encoding="Windows-1252"?>
 <FSData version="9.0">)");
-  airports = 0;
-  while (w.text.size() < kBigFileBytes) OtherAirport(w, airports++, rng);
+  std::uintmax_t written = 0;
+  int airports = 0;
+  while (written + w.text.size() < kBigFileBytes) {
+    OtherAirport(w, airports++, rng);
+    if (w.text.size() > (4u << 20)) {
+      written += w.text.size();
+      out << w.text;
+      w.text.clear();
+    }
+  }
   WantedAirport(w);
   w.put("\n</FSData>");
-  return w.text;
+  out << w.text;
+  return airports;
 }
 
 // The VORs that pass the chart's range test with the wanted airport loaded at Zoom 16.
@@ -510,11 +520,11 @@ std::string Format(const char* fmt, ...) {
   return text;
 }
 
-void WriteFile(const std::filesystem::path& file, std::string_view bytes) {
-  std::string reason;
-  if (!WriteWhole(file, bytes, reason)) {
-    throw std::runtime_error("cannot write " + file.string() + ": " + reason);
-  }
+std::ofstream OutFile(const std::filesystem::path& path) {
+  std::ofstream out(path, std::ios::binary);
+  if (!out) throw std::runtime_error("cannot write " + path.string());
+  out.exceptions(std::ios::badbit | std::ios::failbit);
+  return out;
 }
 
 std::size_t CountLines(const std::filesystem::path& file) {
@@ -540,9 +550,9 @@ void Generate(Data& data) {
   data.index = data.dir / "Arpt index.txt";
   data.vor = data.dir / "vor.nav";
   data.bigFile = data.dir / "FSXFiles" / kBigFileName;
-  WriteFile(data.index, Index());
-  WriteFile(data.vor, VorList());
-  WriteFile(data.bigFile, BigFile(data.airportsInBigFile));
+  OutFile(data.index) << Index();
+  OutFile(data.vor) << VorList();
+  data.airportsInBigFile = WriteBigFile(data.bigFile);
   data.indexBytes = fs::file_size(data.index);
   data.vorBytes = fs::file_size(data.vor);
   data.bigBytes = fs::file_size(data.bigFile);

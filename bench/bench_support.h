@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <optional>
 #include <string>
@@ -45,8 +46,10 @@ void Generate(Data& data);
 // printf into a string, however long the result.
 std::string Format(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
 
-// Writes `bytes` to `file` whole, as given; throws when it cannot.
-void WriteFile(const std::filesystem::path& file, std::string_view bytes);
+// A file to write as it is made, which throws when it cannot. Large files are written a piece
+// at a time, never whole in memory: the peak memory read for velmora-import's child takes in
+// this process's own.
+std::ofstream OutFile(const std::filesystem::path& path);
 
 // The reader baseline: fread in 1 MiB chunks, memchr for '\n'.
 std::size_t CountLines(const std::filesystem::path& file);

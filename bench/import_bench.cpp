@@ -88,12 +88,14 @@ struct ImportSource {
 const ImportSource& TheSource() {
   static const ImportSource source = [] {
     const std::filesystem::path file = Shared().dir / "decompiled" / "world.xml";
-    std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<FSData version=\"9.0\">\n";
-    for (int a = 0; a < kImportAirports; ++a) text += DecompiledAirport(a);
-    text += "</FSData>\n";
     std::filesystem::create_directories(file.parent_path());
-    WriteFile(file, text);
-    return ImportSource{file, text.size()};
+    {
+      std::ofstream out = OutFile(file);
+      out << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<FSData version=\"9.0\">\n";
+      for (int a = 0; a < kImportAirports; ++a) out << DecompiledAirport(a);
+      out << "</FSData>\n";
+    }
+    return ImportSource{file, std::filesystem::file_size(file)};
   }();
   return source;
 }

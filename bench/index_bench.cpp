@@ -66,7 +66,7 @@ const World& TheWorld() {
     for (int f = 0; f < kWorldFiles; ++f) {
       std::string text;
       for (int a = 0; a < kAirportsPerFile; ++a) text += WorldAirport(f * kAirportsPerFile + a);
-      WriteFile(w.folder / ("part" + std::to_string(100 + f) + ".txt"), text);
+      OutFile(w.folder / ("part" + std::to_string(100 + f) + ".txt")) << text;
       w.bytes += text.size();
     }
     return w;
