@@ -160,7 +160,7 @@ void DataLines(const Data& d) {
 void IndexedRow() {
   std::string what =
       Format("  airports indexed, of %d,%03d", kWorldAirports / 1000, kWorldAirports % 1000);
-  if (const auto mb = Recorded("world_mb")) what += Format(" in %.0f MB", *mb);
+  if (const auto mb = Recorded("world_mb")) what += Format(" in %d MB", static_cast<int>(*mb));
   const auto seconds = Quotient(Recorded("BM_BuildIndex"), 1e9);
   Row(what, Shown("%.0f/s", Quotient(kWorldAirports, seconds)), "", std::nullopt, kInfo);
 }
