@@ -3,7 +3,6 @@
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <stdexcept>
@@ -23,7 +22,9 @@ std::map<std::string, double>& Results() {
   return results;
 }
 
-// Fixed seed: every run writes the same files.
+// Fixed seed: every run writes the same files. Each draw stands in a statement of its own, in
+// the order the files have always been written: the arguments of one call may be evaluated in
+// any order, and a draw moved changes every byte after it.
 class Rng {
  public:
   explicit Rng(std::uint64_t seed) : s_(seed) {}
@@ -42,47 +43,13 @@ class Rng {
   std::uint64_t s_;
 };
 
-// Lines with CR LF, as the data files are written.
+// The text of a data file: every line put ends with CR LF, as the data files have it.
 class Writer {
  public:
-  // Formats into the text itself, however long the line.
-  void line(const char* fmt, ...) __attribute__((format(printf, 2, 3))) {
-    va_list args, again;
-    va_start(args, fmt);
-    va_copy(again, args);
-    const int n = std::vsnprintf(nullptr, 0, fmt, args);
-    va_end(args);
-    if (n < 0) throw std::runtime_error(std::string("cannot format ") + fmt);
-    const std::size_t at = text.size();
-    text.resize(at + static_cast<std::size_t>(n) + 1);
-    std::vsnprintf(text.data() + at, static_cast<std::size_t>(n) + 1, fmt, again);
-    va_end(again);
-    text.resize(at + static_cast<std::size_t>(n));
-    text += "\r\n";
+  void put(std::string_view lines, std::string_view indent = "") {
+    for (std::string_view line : Split(lines, '\n')) ((text += indent) += line) += "\r\n";
   }
-  // Lines of a multi-line template as they stand.
-  void block(std::string_view lines) {
-    for (std::string_view l : Split(lines, '\n')) (text += l) += "\r\n";
-  }
-  void blank() { text += "\r\n"; }
   std::string text;
-};
-
-class File {
- public:
-  explicit File(const std::filesystem::path& path) : f_(std::fopen(path.c_str(), "wb")) {
-    if (f_ == nullptr) throw std::runtime_error("cannot write " + path.string());
-  }
-  ~File() { std::fclose(f_); }
-  void write(std::string& text) {
-    if (std::fwrite(text.data(), 1, text.size(), f_) != text.size()) {
-      throw std::runtime_error("short write");
-    }
-    text.clear();
-  }
-
- private:
-  std::FILE* f_;
 };
 
 std::string Code(int i) {
@@ -101,9 +68,7 @@ std::string Coord(double degrees, char positive, char negative) {
     ++whole;
     minutes = 0;
   }
-  char buf[32];
-  std::snprintf(buf, sizeof buf, "%c%d %05.2f", letter, whole, minutes);
-  return buf;
+  return Format("%c%d %05.2f", letter, whole, minutes);
 }
 std::string Lat(double d) {
   return Coord(d, 'N', 'S');
@@ -118,13 +83,15 @@ std::string VorFields(double degrees) {
   const double a = std::fabs(degrees);
   const int whole = static_cast<int>(a);
   const double minutes = (a - whole) * 60.0;
-  char buf[48];
-  if (degrees < 0 && whole == 0) {
-    std::snprintf(buf, sizeof buf, "0;-%.2f", minutes);
-  } else {
-    std::snprintf(buf, sizeof buf, "%s%d;%.2f", degrees < 0 ? "-" : "", whole, minutes);
-  }
-  return buf;
+  if (degrees < 0 && whole == 0) return Format("0;-%.2f", minutes);
+  return Format("%s%d;%.2f", degrees < 0 ? "-" : "", whole, minutes);
+}
+
+// A VOR or ILS frequency in steps of 50 kHz, "108.95".
+std::string NavFrequency(Rng& rng, int lowMhz, int highMhz) {
+  const int hundredths = rng.pick(0, 19) * 5;
+  const int mhz = rng.pick(lowMhz, highMhz);
+  return Format("%d.%02d", mhz, hundredths);
 }
 
 constexpr const char* kCountries[] = {"United States", "Canada", "France", "Germany",
@@ -134,53 +101,71 @@ constexpr const char* kDesignators[] = {"NONE", "LEFT", "RIGHT", "CENTER"};
 constexpr const char* kComTypes[] = {"ATIS",   "CLEARANCE", "GROUND",    "TOWER",
                                      "UNICOM", "APPROACH",  "DEPARTURE", "CENTER"};
 
+// Legs stand below <ApproachLegs> and <MissedApproachLegs>, or deeper below <TransitionLegs>.
+constexpr std::string_view kApproachLeg = "            ";
+constexpr std::string_view kTransitionLeg = "                ";
+
 struct AirportShape {
   std::string ident;
   double lat, lon;
 };
 
 void Header(Writer& w, const AirportShape& a, Rng& rng, const char* name) {
-  w.line("<Airport ident=\"%s\"", a.ident.c_str());
-  w.line("    region=\"K%d\"", rng.pick(1, 7));
-  w.line("    country=\"%s\"", kCountries[rng.pick(0, 7)]);
-  w.line("    state=\"State %d\"", rng.pick(1, 50));
-  w.line("    city=\"City %d\"", rng.pick(1, 9999));
-  w.line("    name=\"%s\"", name);
-  w.line("    lat=\"%s\"", Lat(a.lat).c_str());
-  w.line("    lon=\"%s\"", Lon(a.lon).c_str());
-  w.line("    alt=\"%.1fM\"", rng.range(0, 2500));
-  w.line("    magvar=\"%.3f\"", rng.range(0, 360));
-  w.block(R"(    trafficScalar="0.7">
+  const int region = rng.pick(1, 7);
+  const char* country = kCountries[rng.pick(0, 7)];
+  const int state = rng.pick(1, 50);
+  const int city = rng.pick(1, 9999);
+  const double alt = rng.range(0, 2500);
+  const double magvar = rng.range(0, 360);
+  const double towerAlt = rng.range(0, 2500);
+  w.put(Format(R"(<Airport ident="%s"
+    region="K%d"
+    country="%s"
+    state="State %d"
+    city="City %d"
+    name="%s"
+    lat="%s"
+    lon="%s"
+    alt="%.1fM"
+    magvar="%.3f"
+    trafficScalar="0.7">
     <Services>
         <Fuel type="100"
             availability="YES"/>
     </Services>
-    <Tower)");
-  w.line("        lat=\"%s\"", Lat(a.lat + 0.003).c_str());
-  w.line("        lon=\"%s\"", Lon(a.lon - 0.002).c_str());
-  w.line("        alt=\"%.1fM\"", rng.range(0, 2500));
-  w.line("        />");
+    <Tower
+        lat="%s"
+        lon="%s"
+        alt="%.1fM"
+        />)",
+               a.ident.c_str(), region, country, state, city, name, Lat(a.lat).c_str(),
+               Lon(a.lon).c_str(), alt, magvar, Lat(a.lat + 0.003).c_str(),
+               Lon(a.lon - 0.002).c_str(), towerAlt));
 }
 
 void Ils(Writer& w, const AirportShape& a, Rng& rng, const std::string& name, int heading) {
-  w.line("        <Ils end=\"PRIMARY\" ident=\"I%s\"", a.ident.substr(1).c_str());
-  w.line("            lat=\"%s\"", Lat(a.lat - 0.01).c_str());
-  w.line("            lon=\"%s\"", Lon(a.lon + 0.004).c_str());
-  w.line("            alt=\"130.2M\"");
-  w.line("            range=\"27.0N\"");
-  w.line("            frequency=\"%d.%02d\"", rng.pick(108, 111), rng.pick(0, 19) * 5);
-  w.line("            heading=\"%d.0\"", heading);
-  w.block(R"(            magvar="341.0"
+  const std::string frequency = NavFrequency(rng, 108, 111);
+  w.put(Format(R"(        <Ils end="PRIMARY" ident="I%s"
+            lat="%s"
+            lon="%s"
+            alt="130.2M"
+            range="27.0N"
+            frequency="%s"
+            heading="%d.0"
+            magvar="341.0"
             width="5.0"
-            backCourse="FALSE")");
-  w.line("            name=\"%s\">", name.c_str());
-  w.line("            <GlideSlope");
-  w.line("                lat=\"%s\"", Lat(a.lat + 0.01).c_str());
-  w.line("                lon=\"%s\"", Lon(a.lon).c_str());
-  w.block(R"(                alt="130.2M"
+            backCourse="FALSE"
+            name="%s">
+            <GlideSlope
+                lat="%s"
+                lon="%s"
+                alt="130.2M"
                 pitch="3.00"
                 range="18.5N"/>
-        </Ils>)");
+        </Ils>)",
+               a.ident.substr(1).c_str(), Lat(a.lat - 0.01).c_str(), Lon(a.lon + 0.004).c_str(),
+               frequency.c_str(), heading, name.c_str(), Lat(a.lat + 0.01).c_str(),
+               Lon(a.lon).c_str()));
 }
 
 struct RunwayShape {
@@ -191,15 +176,32 @@ struct RunwayShape {
   std::string ilsName;  // empty: no ILS record inside
 };
 
+void Vasi(Writer& w, const RunwayShape& r) {
+  w.put(Format(R"(        <Vasi end="PRIMARY"
+            type="PAPI4"
+            side="LEFT"
+            lat="%s"
+            lon="%s"
+            biasX="-20.0M"
+            biasZ="300.0M"
+            spacing="9.0M"
+            pitch="3.00"
+            />)",
+               Lat(r.lat + 0.004).c_str(), Lon(r.lon + 0.001).c_str()));
+}
+
 void Runway(Writer& w, const AirportShape& a, Rng& rng, const RunwayShape& r) {
-  w.line("    <Runway number=\"%d\" designator=\"%s\"", r.number, r.designator);
-  w.line("        lat=\"%s\"", Lat(r.lat).c_str());
-  w.line("        lon=\"%s\"", Lon(r.lon).c_str());
-  w.line("        length=\"%.1fM\"", rng.range(900, 3800));
-  w.line("        width=\"%.1fM\"", rng.range(20, 60));
-  w.line("        heading=\"%d.0\"", r.number * 10);
-  w.line("        surface=\"%s\"", kSurfaces[rng.pick(0, 3)]);
-  w.block(R"(        patternAltitude="304.8M">
+  const double length = rng.range(900, 3800);
+  const double width = rng.range(20, 60);
+  const char* surface = kSurfaces[rng.pick(0, 3)];
+  w.put(Format(R"(    <Runway number="%d" designator="%s"
+        lat="%s"
+        lon="%s"
+        length="%.1fM"
+        width="%.1fM"
+        heading="%d.0"
+        surface="%s"
+        patternAltitude="304.8M">
         <Markings alternateThreshold="FALSE"
             edges="TRUE"
             threshold="TRUE"
@@ -210,101 +212,108 @@ void Runway(Writer& w, const AirportShape& a, Rng& rng, const RunwayShape& r) {
         <Lights center="NONE"
             edge="MEDIUM"
             centerRed="FALSE"
-            />)");
-  if (r.vasi) {
-    w.block(R"(        <Vasi end="PRIMARY"
-            type="PAPI4"
-            side="LEFT")");
-    w.line("            lat=\"%s\"", Lat(r.lat + 0.004).c_str());
-    w.line("            lon=\"%s\"", Lon(r.lon + 0.001).c_str());
-    w.block(R"(            biasX="-20.0M"
-            biasZ="300.0M"
-            spacing="9.0M"
-            pitch="3.00"
-            />)");
-  }
+            />)",
+               r.number, r.designator, Lat(r.lat).c_str(), Lon(r.lon).c_str(), length, width,
+               r.number * 10, surface));
+  if (r.vasi) Vasi(w, r);
   if (!r.ilsName.empty()) Ils(w, a, rng, r.ilsName, r.number * 10);
-  w.line("    </Runway>");
-  w.blank();
+  w.put("    </Runway>\n");
 }
 
 void Start(Writer& w, int number, const char* designator, double lat, double lon) {
-  w.line("    <Start type=\"RUNWAY\"");
-  w.line("        number=\"%d\" designator=\"%s\"", number, designator);
-  w.line("        lat=\"%s\"", Lat(lat).c_str());
-  w.line("        lon=\"%s\"", Lon(lon).c_str());
-  w.line("        alt=\"130.2M\"");
-  w.line("        heading=\"%d.0\"/>", number * 10);
+  w.put(Format(R"(    <Start type="RUNWAY"
+        number="%d" designator="%s"
+        lat="%s"
+        lon="%s"
+        alt="130.2M"
+        heading="%d.0"/>)",
+               number, designator, Lat(lat).c_str(), Lon(lon).c_str(), number * 10));
 }
 
 void Com(Writer& w, const char* type, Rng& rng) {
-  w.line("    <Com type=\"%s\"", type);
-  w.line("        frequency=\"%d.%03d\"", rng.pick(118, 135), rng.pick(0, 39) * 25);
-  w.line("        name=\"CITY %s\"/>", type);
+  const int thousandths = rng.pick(0, 39) * 25;
+  const int mhz = rng.pick(118, 135);
+  w.put(Format(R"(    <Com type="%s"
+        frequency="%d.%03d"
+        name="CITY %s"/>)",
+               type, mhz, thousandths, type));
 }
 
 void Ndb(Writer& w, const std::string& ident, double lat, double lon, Rng& rng) {
-  w.line("    <Ndb");
-  w.line("        type=\"HH\"");
-  w.line("        lat=\"%s\"", Lat(lat).c_str());
-  w.line("        lon=\"%s\"", Lon(lon).c_str());
-  w.line("        alt=\"130.2M\"");
-  w.line("        frequency=\"%d.0\"", rng.pick(200, 420));
-  w.line("        range=\"46300.0M\"");
-  w.line("        region=\"K1\"");
-  w.line("        ident=\"%s\"", ident.c_str());
-  w.line("        name=\"%s BEACON\"/>", ident.c_str());
+  const int khz = rng.pick(200, 420);
+  w.put(Format(R"(    <Ndb
+        type="HH"
+        lat="%s"
+        lon="%s"
+        alt="130.2M"
+        frequency="%d.0"
+        range="46300.0M"
+        region="K1"
+        ident="%s"
+        name="%s BEACON"/>)",
+               Lat(lat).c_str(), Lon(lon).c_str(), khz, ident.c_str(), ident.c_str()));
 }
 
 void Waypoint(Writer& w, const std::string& ident, double lat, double lon) {
-  w.block(R"(    <Waypoint
+  w.put(Format(R"(    <Waypoint
         waypointType="NAMED"
-        waypointRegion="K1")");
-  w.line("        waypointIdent=\"%s\"", ident.c_str());
-  w.line("        magvar=\"341.0\"");
-  w.line("        lat=\"%s\"", Lat(lat).c_str());
-  w.line("        lon=\"%s\"", Lon(lon).c_str());
+        waypointRegion="K1"
+        waypointIdent="%s"
+        magvar="341.0"
+        lat="%s"
+        lon="%s")",
+               ident.c_str(), Lat(lat).c_str(), Lon(lon).c_str()));
 }
 
-void Leg(Writer& w, const char* indent, const char* type, const std::string& fix,
+void Leg(Writer& w, std::string_view indent, const char* type, const std::string& fix,
          const std::string& recommended, Rng& rng) {
-  w.line("%s<Leg type=\"%s\"", indent, type);
-  w.line("%s    fixType=\"TERMINAL_WAYPOINT\"", indent);
-  w.line("%s    fixRegion=\"K1\"", indent);
-  w.line("%s    fixIdent=\"%s\"", indent, fix.c_str());
-  w.line("%s    recommendedType=\"VOR\"", indent);
-  w.line("%s    recommendedRegion=\"K1\"", indent);
-  w.line("%s    recommendedIdent=\"%s\"", indent, recommended.c_str());
-  w.line("%s    theta=\"%d.0\"", indent, rng.pick(0, 359));
-  w.line("%s    rho=\"%.1f\"", indent, rng.range(2000, 60000));
-  w.line("%s    magneticCourse=\"%d.0\"", indent, rng.pick(0, 359));
-  w.line("%s    altitudeDescriptor=\"+\"", indent);
-  w.line("%s    altitude1=\"%d.00F\"", indent, rng.pick(10, 80) * 100);
-  w.line("%s    />", indent);
+  const int theta = rng.pick(0, 359);
+  const double rho = rng.range(2000, 60000);
+  const int course = rng.pick(0, 359);
+  const int feet = rng.pick(10, 80) * 100;
+  w.put(Format(R"(<Leg type="%s"
+    fixType="TERMINAL_WAYPOINT"
+    fixRegion="K1"
+    fixIdent="%s"
+    recommendedType="VOR"
+    recommendedRegion="K1"
+    recommendedIdent="%s"
+    theta="%d.0"
+    rho="%.1f"
+    magneticCourse="%d.0"
+    altitudeDescriptor="+"
+    altitude1="%d.00F"
+    />)",
+               type, fix.c_str(), recommended.c_str(), theta, rho, course, feet),
+        indent);
 }
 
-void ApproachStart(Writer& w, const char* type, int runway, const char* designator) {
-  w.line("    <Approach type=\"%s\"", type);
-  w.line("        runway=\"%d\"", runway);
-  w.line("        designator=\"%s\"", designator);
-  w.block(R"(        suffix="0"
+// Opens the approach and its legs.
+void Approach(Writer& w, const char* type, int runway, const char* designator) {
+  w.put(Format(R"(    <Approach type="%s"
+        runway="%d"
+        designator="%s"
+        suffix="0"
         gpsOverlay="FALSE"
         altitude="1200.00F"
-        heading="160.0">)");
+        heading="160.0">
+        <ApproachLegs>)",
+               type, runway, designator));
 }
 
 void Transition(Writer& w, const char* fixType, const std::string& fix, const std::string& next,
                 Rng& rng) {
-  w.line("        <Transition transitionType=\"FULL\"");
-  w.line("            fixType=\"%s\"", fixType);
-  w.line("            fixRegion=\"K1\"");
-  w.line("            fixIdent=\"%s\"", fix.c_str());
-  w.line("            altitude=\"6000.00F\">");
-  w.line("            <TransitionLegs>");
-  Leg(w, "                ", "IF", fix, fix, rng);
-  Leg(w, "                ", "TF", next, fix, rng);
-  w.line("            </TransitionLegs>");
-  w.line("        </Transition>");
+  w.put(Format(R"(        <Transition transitionType="FULL"
+            fixType="%s"
+            fixRegion="K1"
+            fixIdent="%s"
+            altitude="6000.00F">
+            <TransitionLegs>)",
+               fixType, fix.c_str()));
+  Leg(w, kTransitionLeg, "IF", fix, fix, rng);
+  Leg(w, kTransitionLeg, "TF", next, fix, rng);
+  w.put(R"(            </TransitionLegs>
+        </Transition>)");
 }
 
 // An everyday airport of about 2 to 4 KB.
@@ -333,14 +342,13 @@ void OtherAirport(Writer& w, int index, Rng& rng) {
   if (rng.chance(0.25)) {
     const std::string wp = "W" + a.ident;
     Waypoint(w, wp, a.lat + 0.1, a.lon + 0.1);
-    ApproachStart(w, "RNAV", 16, "NONE");
-    w.line("        <ApproachLegs>");
-    Leg(w, "            ", "IF", wp, a.ident, rng);
-    Leg(w, "            ", "TF", "RW16", a.ident, rng);
-    w.line("        </ApproachLegs>");
-    w.line("    </Approach>");
+    Approach(w, "RNAV", 16, "NONE");
+    Leg(w, kApproachLeg, "IF", wp, a.ident, rng);
+    Leg(w, kApproachLeg, "TF", "RW16", a.ident, rng);
+    w.put(R"(        </ApproachLegs>
+    </Approach>)");
   }
-  w.line("</Airport>");
+  w.put("</Airport>");
 }
 
 // Like a world list: every 200th VOR (41 of them) lies near the wanted airport, the rest are
@@ -356,7 +364,7 @@ std::string VorIdent(int slot) {
 constexpr double kWantedLatDeg = 47.0 + 26.39 / 60.0;
 constexpr double kWantedLonDeg = -(122.0 + 18.55 / 60.0);
 
-void WriteVorList(const std::filesystem::path& path) {
+std::string VorList() {
   Rng rng(11);
   Writer w;
   for (int slot = 0; slot < kVorLines; ++slot) {
@@ -368,11 +376,35 @@ void WriteVorList(const std::filesystem::path& path) {
       lat = rng.range(-70, 70);
       lon = rng.range(-179, 179);
     }
-    w.line("VOR %d;%s;%s;H;%s;%d.%02d", slot, VorFields(lon).c_str(), VorFields(lat).c_str(),
-           VorIdent(slot).c_str(), rng.pick(108, 117), rng.pick(0, 19) * 5);
+    const std::string frequency = NavFrequency(rng, 108, 117);
+    w.put(Format("VOR %d;%s;%s;H;%s;%s", slot, VorFields(lon).c_str(), VorFields(lat).c_str(),
+                 VorIdent(slot).c_str(), frequency.c_str()));
   }
-  File f(path);
-  f.write(w.text);
+  return w.text;
+}
+
+// The ILS approach: fixes are the waypoints but for every fourth, a late VOR, then the NDB
+// halfway and the runway end; two missed approach legs and two transitions.
+void IlsApproach(Writer& w, const std::vector<std::string>& waypoints,
+                 const std::vector<std::string>& lateVors, Rng& rng) {
+  const std::string& recommended = lateVors.front();
+  Approach(w, "ILS", 16, "LEFT");
+  constexpr int kMissed = 2;
+  for (int i = 0; i < kApproachLegs - kMissed; ++i) {
+    std::string fix = waypoints[static_cast<std::size_t>(i)];
+    if (i % 4 == 1) fix = lateVors[static_cast<std::size_t>(i / 4)];
+    if (i == 14) fix = "SE";
+    if (i == kApproachLegs - kMissed - 1) fix = "RW16L";
+    Leg(w, kApproachLeg, i == 0 ? "IF" : "CF", fix, recommended, rng);
+  }
+  w.put(R"(        </ApproachLegs>
+        <MissedApproachLegs>)");
+  Leg(w, kApproachLeg, "DF", lateVors[7], recommended, rng);
+  Leg(w, kApproachLeg, "TF", waypoints[29], recommended, rng);
+  w.put("        </MissedApproachLegs>");
+  Transition(w, "VOR", lateVors[6], waypoints[0], rng);
+  Transition(w, "NDB", "PV", waypoints[0], rng);
+  w.put("    </Approach>");
 }
 
 // The airport under test: two parallel runways, a 30-leg ILS approach whose fixes are
@@ -393,74 +425,69 @@ void WantedAirport(Writer& w) {
   std::vector<std::string> waypoints;
   for (int i = 0; i < 30; ++i) {
     waypoints.push_back("WX" + Code(i).substr(1));
-    Waypoint(w, waypoints.back(), a.lat + rng.range(-0.3, 0.3), a.lon + rng.range(-0.45, 0.45));
+    const double east = rng.range(-0.45, 0.45);
+    const double north = rng.range(-0.3, 0.3);
+    Waypoint(w, waypoints.back(), a.lat + north, a.lon + east);
   }
   // Even slots from the last one down: near VORs, found only after most of the table.
   std::vector<std::string> lateVors;
   for (int slot = kVorLines - 1; lateVors.size() < 8; slot -= 200) {
     lateVors.push_back(VorIdent(slot));
   }
-  const std::string recommended = lateVors.front();
-
-  ApproachStart(w, "ILS", 16, "LEFT");
-  w.line("        <ApproachLegs>");
-  constexpr int kMissed = 2;
-  for (int i = 0; i < kApproachLegs - kMissed; ++i) {
-    std::string fix = waypoints[static_cast<std::size_t>(i)];
-    if (i % 4 == 1) fix = lateVors[static_cast<std::size_t>(i / 4)];
-    if (i == 14) fix = "SE";
-    if (i == kApproachLegs - kMissed - 1) fix = "RW16L";
-    Leg(w, "            ", i == 0 ? "IF" : "CF", fix, recommended, rng);
-  }
-  w.line("        </ApproachLegs>");
-  w.line("        <MissedApproachLegs>");
-  Leg(w, "            ", "DF", lateVors[7], recommended, rng);
-  Leg(w, "            ", "TF", waypoints[29], recommended, rng);
-  w.line("        </MissedApproachLegs>");
-  Transition(w, "VOR", lateVors[6], waypoints[0], rng);
-  Transition(w, "NDB", "PV", waypoints[0], rng);
-  w.line("    </Approach>");
-
-  ApproachStart(w, "VOR", 34, "RIGHT");
-  w.line("        <ApproachLegs>");
-  for (int i = 0; i < 5; ++i) Leg(w, "            ", "CF", waypoints[i + 10], recommended, rng);
-  Leg(w, "            ", "CF", "RW34R", recommended, rng);
-  w.block(R"(        </ApproachLegs>
+  IlsApproach(w, waypoints, lateVors, rng);
+  Approach(w, "VOR", 34, "RIGHT");
+  for (int i = 0; i < 5; ++i) Leg(w, kApproachLeg, "CF", waypoints[i + 10], lateVors[0], rng);
+  Leg(w, kApproachLeg, "CF", "RW34R", lateVors[0], rng);
+  w.put(R"(        </ApproachLegs>
     </Approach>
 </Airport>)");
 }
 
-void WriteIndex(const std::filesystem::path& path) {
+std::string Index() {
   Writer w;
   for (int i = 0; i < kIndexLines - 1; ++i) {
-    w.line("%s;Some Field %d;%s;file%d.txt", Code(i).c_str(), i, kCountries[i % 8], i % 400);
+    w.put(Format("%s;Some Field %d;%s;file%d.txt", Code(i).c_str(), i, kCountries[i % 8], i % 400));
   }
-  w.line("%s;Velmora Bench International;United States;%s", std::string(kWantedIdent).c_str(),
-         std::string(kBigFileName).c_str());
-  File f(path);
-  f.write(w.text);
+  w.put(Format("%s;Velmora Bench International;United States;%s", std::string(kWantedIdent).c_str(),
+               std::string(kBigFileName).c_str()));
+  return w.text;
 }
 
+// Everyday airports up to the size wanted, then the wanted airport last; written out a few MB
+// at a time.
 int WriteBigFile(const std::filesystem::path& path) {
   Rng rng(3);
-  File f(path);
+  std::ofstream out = OutFile(path);
   Writer w;
-  w.line("<?xml version=\"1.0\" encoding=\"Windows-1252\"?>");
-  w.line("<FSData version=\"9.0\">");
+  w.put(R"(<?xml version="1.0" encoding="Windows-1252"?>
+<FSData version="9.0">)");
   std::uintmax_t written = 0;
   int airports = 0;
   while (written + w.text.size() < kBigFileBytes) {
     OtherAirport(w, airports++, rng);
     if (w.text.size() > (4u << 20)) {
       written += w.text.size();
-      f.write(w.text);
+      out << w.text;
+      w.text.clear();
     }
   }
   WantedAirport(w);
-  w.blank();
-  w.line("</FSData>");
-  f.write(w.text);
+  w.put("\n</FSData>");
+  out << w.text;
   return airports;
+}
+
+// The VORs that pass the chart's range test with the wanted airport loaded at Zoom 16.
+int VorsInRange(const Store& s) {
+  View view;
+  view.Zoom = 16;
+  SetOrigin(view, *LonToGrid(kWantedLon), *LatToGrid(kWantedLat));
+  int inRange = 0;
+  for (std::int32_t slot = 0; slot <= s.VorLast; ++slot) {
+    const auto gx = LonToGrid(s.Vor[slot].lon);
+    if (gx && WithinChartWidth(GridToScreenX(view, *gx))) ++inRange;
+  }
+  return inRange;
 }
 
 }  // namespace
@@ -478,6 +505,26 @@ std::optional<double> Recorded(const std::string& name) {
   const auto it = Results().find(name);
   if (it == Results().end()) return std::nullopt;
   return it->second;
+}
+
+std::string Format(const char* fmt, ...) {
+  va_list args, again;
+  va_start(args, fmt);
+  va_copy(again, args);
+  const int n = std::vsnprintf(nullptr, 0, fmt, args);
+  va_end(args);
+  if (n < 0) throw std::runtime_error(std::string("cannot format ") + fmt);
+  std::string text(static_cast<std::size_t>(n), '\0');
+  std::vsnprintf(text.data(), text.size() + 1, fmt, again);
+  va_end(again);
+  return text;
+}
+
+std::ofstream OutFile(const std::filesystem::path& path) {
+  std::ofstream out(path, std::ios::binary);
+  if (!out) throw std::runtime_error("cannot write " + path.string());
+  out.exceptions(std::ios::badbit | std::ios::failbit);
+  return out;
 }
 
 std::size_t CountLines(const std::filesystem::path& file) {
@@ -503,8 +550,8 @@ void Generate(Data& data) {
   data.index = data.dir / "Arpt index.txt";
   data.vor = data.dir / "vor.nav";
   data.bigFile = data.dir / "FSXFiles" / kBigFileName;
-  WriteIndex(data.index);
-  WriteVorList(data.vor);
+  OutFile(data.index) << Index();
+  OutFile(data.vor) << VorList();
   data.airportsInBigFile = WriteBigFile(data.bigFile);
   data.indexBytes = fs::file_size(data.index);
   data.vorBytes = fs::file_size(data.vor);
@@ -516,15 +563,7 @@ void Generate(Data& data) {
   if (!vor.opened || s.VorLast != kVorLines - 1) throw std::runtime_error("VOR list not loaded");
   const ExtractReport r = ExtractArpt(s, data.bigFile, kWantedIdent);
   if (!r.found) throw std::runtime_error("wanted airport not found in the big file");
-
-  View view;
-  view.Zoom = 16;
-  SetOrigin(view, *LonToGrid(kWantedLon), *LatToGrid(kWantedLat));
-  for (std::int32_t slot = 0; slot <= s.VorLast; ++slot) {
-    const auto gx = LonToGrid(s.Vor[slot].lon);
-    if (!gx) continue;
-    if (WithinChartWidth(GridToScreenX(view, *gx))) ++data.vorsInRange;
-  }
+  data.vorsInRange = VorsInRange(s);
 }
 
 }  // namespace velmora::bench

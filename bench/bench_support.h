@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,6 +24,8 @@ inline constexpr int kVorLines = 8001;
 inline constexpr std::uintmax_t kBigFileBytes = 100'000'000;
 inline constexpr int kApproachLegs = 30;
 inline constexpr std::string_view kBigFileName = "big.txt";
+inline constexpr int kWorldAirports = 30000;  // in velmora-index's world
+inline constexpr int kImportAirports = 2000;  // in velmora-import's source
 
 struct Data {
   // Laid out like the program's own folder: index, VOR list, FSXFiles.
@@ -39,6 +42,14 @@ Data& Shared();
 
 // Writes every file under data.dir and loads data.store from them.
 void Generate(Data& data);
+
+// printf into a string, however long the result.
+std::string Format(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
+
+// A file to write as it is made, which throws when it cannot. Large files are written a piece
+// at a time, never whole in memory: the peak memory read for velmora-import's child takes in
+// this process's own.
+std::ofstream OutFile(const std::filesystem::path& path);
 
 // The reader baseline: fread in 1 MiB chunks, memchr for '\n'.
 std::size_t CountLines(const std::filesystem::path& file);

@@ -13,10 +13,21 @@
 namespace velmora::bench {
 namespace {
 
-View LoadView() {
+// The loaded airport at the load's Zoom 16, with its first approach over it or not.
+View Prepare(Store& s, bool overlay) {
+  s.SelApp = 0;
+  s.AppSelected = overlay;
   View v;
   v.Zoom = 16;
   return v;
+}
+
+// One redraw: the sheet, and the overlay where one is selected.
+void Draw(Store& s, View& view, Canvas& canvas, std::vector<std::string>& termRows) {
+  DisplayArpt(s, view, canvas);
+  if (!s.AppSelected) return;
+  termRows.clear();
+  DrawApp(s, view, canvas, termRows);
 }
 
 void Redraw(benchmark::State& state, Canvas* canvas, bool overlay) {
@@ -25,17 +36,9 @@ void Redraw(benchmark::State& state, Canvas* canvas, bool overlay) {
     return;
   }
   Store& s = *Shared().store;
-  s.SelApp = 0;
-  s.AppSelected = overlay;
-  View view = LoadView();
+  View view = Prepare(s, overlay);
   std::vector<std::string> termRows;
-  for (auto _ : state) {
-    DisplayArpt(s, view, *canvas);
-    if (overlay) {
-      termRows.clear();
-      DrawApp(s, view, *canvas, termRows);
-    }
-  }
+  for (auto _ : state) Draw(s, view, *canvas, termRows);
   s.AppSelected = false;
 }
 
@@ -85,8 +88,7 @@ void ReplayOnly(benchmark::State& state, OnlyCanvas::Kind kind) {
     return;
   }
   Store& s = *Shared().store;
-  s.AppSelected = false;
-  View view = LoadView();
+  View view = Prepare(s, false);
   RecordingCanvas picture;
   DisplayArpt(s, view, picture);
   OnlyCanvas only(*raster, kind);
@@ -107,13 +109,10 @@ BENCHMARK(BM_RasterTextsOnly)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 RedrawCounts CountRedraw(bool overlay) {
   Store& s = *Shared().store;
-  s.SelApp = 0;
-  s.AppSelected = overlay;
-  View view = LoadView();
+  View view = Prepare(s, overlay);
   CountingCanvas counting;
-  DisplayArpt(s, view, counting);
   std::vector<std::string> termRows;
-  if (overlay) DrawApp(s, view, counting, termRows);
+  Draw(s, view, counting, termRows);
   s.AppSelected = false;
   return {counting.lines, counting.circles, counting.texts, static_cast<long>(termRows.size())};
 }

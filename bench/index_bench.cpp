@@ -2,9 +2,7 @@
 // files.
 
 #include <benchmark/benchmark.h>
-#include <sys/resource.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <string>
 
@@ -15,7 +13,7 @@ namespace velmora::bench {
 namespace {
 
 constexpr int kWorldFiles = 30;
-constexpr int kAirportsPerFile = 1000;
+constexpr int kAirportsPerFile = kWorldAirports / kWorldFiles;
 
 // One airport of about 5 kB: its own lines, runways with their ends, frequencies, two
 // approaches with legs, as decompiled files give them.
@@ -63,19 +61,13 @@ struct World {
 
 const World& TheWorld() {
   static const World world = [] {
-    World w;
-    w.folder = Shared().dir / "world" / "FSXFiles";
+    World w{Shared().dir / "world" / "FSXFiles"};
     std::filesystem::create_directories(w.folder);
     for (int f = 0; f < kWorldFiles; ++f) {
-      const auto path = w.folder / ("part" + std::to_string(100 + f) + ".txt");
-      std::FILE* out = std::fopen(path.c_str(), "wb");
-      if (out == nullptr) break;
-      for (int a = 0; a < kAirportsPerFile; ++a) {
-        const std::string text = WorldAirport(f * kAirportsPerFile + a);
-        std::fwrite(text.data(), 1, text.size(), out);
-      }
-      std::fclose(out);
-      w.bytes += std::filesystem::file_size(path);
+      std::string text;
+      for (int a = 0; a < kAirportsPerFile; ++a) text += WorldAirport(f * kAirportsPerFile + a);
+      OutFile(w.folder / ("part" + std::to_string(100 + f) + ".txt")) << text;
+      w.bytes += text.size();
     }
     return w;
   }();
@@ -98,16 +90,15 @@ void BM_BuildIndex(benchmark::State& state) {
   const World& w = TheWorld();
   for (auto _ : state) {
     const IndexBuild b = BuildIndex(w.folder);
-    if (b.entries.size() != static_cast<std::size_t>(kWorldFiles * kAirportsPerFile)) {
+    if (b.entries.size() != static_cast<std::size_t>(kWorldAirports)) {
       state.SkipWithError("not every airport of the world was indexed");
       break;
     }
     benchmark::DoNotOptimize(b);
   }
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * w.bytes));
-  state.counters["airports/s"] =
-      benchmark::Counter(static_cast<double>(state.iterations()) * kWorldFiles * kAirportsPerFile,
-                         benchmark::Counter::kIsRate);
+  state.counters["airports/s"] = benchmark::Counter(
+      static_cast<double>(state.iterations()) * kWorldAirports, benchmark::Counter::kIsRate);
   Record("world_mb", static_cast<double>(w.bytes) / 1e6);
 }
 BENCHMARK(BM_BuildIndex)->Unit(benchmark::kMillisecond)->UseRealTime();

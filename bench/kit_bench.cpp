@@ -5,10 +5,9 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 
-#include "bench_support.h"
+#include "bench/bench_support.h"
 #include "shell/chart_run.h"
 #include "shell/qt/pictures.h"
 
@@ -27,8 +26,8 @@ const std::filesystem::path& KitFolder() {
     std::filesystem::create_directories(folder / "FSXFiles");
     std::filesystem::copy_file(d.vor, folder / "vor.nav",
                                std::filesystem::copy_options::overwrite_existing);
-    std::ofstream(folder / "Arpt index.txt") << "XKIT;Kit Bench;Benchland;kit.txt\r\n";
-    std::ostringstream f;
+    OutFile(folder / "Arpt index.txt") << "XKIT;Kit Bench;Benchland;kit.txt\r\n";
+    std::ofstream f = OutFile(folder / "FSXFiles" / "kit.txt");
     f << "<Airport ident=\"XKIT\"\r\nlat=\"" << kWantedLat << "\"\r\nlon=\"" << kWantedLon
       << "\">\r\n";
     char lat[32], lon[32];
@@ -50,7 +49,6 @@ const std::filesystem::path& KitFolder() {
       f << "</Approach>\r\n";
     }
     f << "</Airport>\r\n";
-    std::ofstream(folder / "FSXFiles" / "kit.txt", std::ios::binary) << f.str();
     return folder;
   }();
   return dir;

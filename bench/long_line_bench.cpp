@@ -20,7 +20,7 @@ const std::filesystem::path& LongLineFile() {
   static const std::filesystem::path file = [] {
     const std::filesystem::path path = Shared().dir / "FSXFiles" / "long-line.txt";
     std::filesystem::create_directories(path.parent_path());
-    std::ofstream out(path, std::ios::binary);
+    std::ofstream out = OutFile(path);
     const std::string block(1 << 20, 'x');
     for (std::uintmax_t written = 0; written < kLongLineBytes; written += block.size())
       out.write(block.data(), static_cast<std::streamsize>(block.size()));

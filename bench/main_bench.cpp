@@ -53,60 +53,83 @@ class TempFolder {
   std::filesystem::path path_;
 };
 
-std::string Time(std::optional<double> ns) {
-  if (!ns) return "not run";
-  char buf[32];
-  if (*ns < 1e3) {
-    std::snprintf(buf, sizeof buf, "%.1f ns", *ns);
-  } else if (*ns < 1e6) {
-    std::snprintf(buf, sizeof buf, "%.1f us", *ns / 1e3);
-  } else {
-    std::snprintf(buf, sizeof buf, "%.2f ms", *ns / 1e6);
-  }
-  return buf;
+// A figure as text; "not run" without one.
+std::string Shown(const char* format, std::optional<double> value) {
+  return value ? Format(format, *value) : "not run";
 }
 
-void Row(const std::string& what, const std::string& measured, const std::string& baseline,
-         std::optional<double> ratio, const char* goal, const char* met) {
-  char r[16] = "-";
-  if (ratio) std::snprintf(r, sizeof r, "%.2f", *ratio);
+std::optional<double> Quotient(std::optional<double> a, std::optional<double> b) {
+  if (!a || !b) return std::nullopt;
+  return *a / *b;
+}
+
+std::string Time(std::optional<double> ns) {
+  if (ns && *ns < 1e3) return Shown("%.1f ns", ns);
+  if (ns && *ns < 1e6) return Shown("%.1f us", *ns / 1e3);
+  return Shown("%.2f ms", Quotient(ns, 1e6));
+}
+
+// The goal column and whether it is met, which is known only where the figure is.
+const char* Met(std::optional<double> figure, bool met) {
+  return !figure ? "?" : met ? "yes" : "NO";
+}
+struct Goal {
+  std::string text;
+  const char* met;
+};
+Goal AtLeast(std::optional<double> figure, double bound) {
+  return {Format(">=%.2f", bound), Met(figure, figure >= bound)};
+}
+Goal AtMost(std::optional<double> figure, double bound) {
+  return {Format("<=%.2f", bound), Met(figure, figure <= bound)};
+}
+Goal Exactly(std::optional<double> figure, double wanted) {
+  return {Format("==%.0f", wanted), Met(figure, figure == wanted)};
+}
+const Goal kInfo{"info", ""};
+
+void Cells(const std::string& what, const std::string& measured, const std::string& baseline,
+           const std::string& ratio, const std::string& goal, const std::string& met) {
   std::printf("%-42s %-14s %-16s %7s  %-7s %s\n", what.c_str(), measured.c_str(), baseline.c_str(),
-              r, goal, met);
+              ratio.c_str(), goal.c_str(), met.c_str());
+}
+void Row(const std::string& what, const std::string& measured, const std::string& baseline,
+         std::optional<double> ratio, const Goal& goal) {
+  Cells(what, measured, baseline, ratio ? Format("%.2f", *ratio) : "-", goal.text, goal.met);
 }
 
 // Rate against a baseline over the same bytes: baseline time / measured time.
-void RateRow(const std::string& what, const char* measured, const char* baseline, double atLeast,
-             const char* goal) {
+void RateRow(const std::string& what, const char* measured, const char* baseline, double atLeast) {
+  const auto m = Recorded(measured), b = Recorded(baseline);
+  const auto ratio = Quotient(b, m);
+  Row(what, Time(m), Time(b), ratio, AtLeast(ratio, atLeast));
+}
+
+// Time against a baseline measured in the same run, or a fixed budget: measured / baseline.
+void AtMostRow(const std::string& what, const char* measured, std::optional<double> baseNs,
+               const std::string& baseText, double atMost) {
   const auto m = Recorded(measured);
-  const auto b = Recorded(baseline);
-  std::optional<double> ratio;
-  if (m && b) ratio = *b / *m;
-  Row(what, Time(m), Time(b), ratio, goal, !ratio ? "?" : *ratio >= atLeast ? "yes" : "NO");
+  const auto ratio = Quotient(m, baseNs);
+  Row(what, Time(m), baseText, ratio, AtMost(ratio, atMost));
+}
+void BudgetRow(const std::string& what, const char* measured, double ns, const char* text) {
+  AtMostRow(what, measured, ns, text, 1.0);
+}
+void RatioRow(const std::string& what, const char* measured, const char* baseline, double atMost) {
+  AtMostRow(what, measured, Recorded(baseline), Time(Recorded(baseline)), atMost);
 }
 
-// Time against a fixed budget: measured / budget.
-void BudgetRow(const std::string& what, std::optional<double> ns, double budgetNs,
-               const char* budgetText) {
-  std::optional<double> ratio;
-  if (ns) ratio = *ns / budgetNs;
-  Row(what, Time(ns), budgetText, ratio, "<=1.00", !ratio ? "?" : *ratio <= 1.0 ? "yes" : "NO");
+// Time beside another, for information: measured / other.
+void InfoRow(const std::string& what, const char* measured, const char* other,
+             const std::string& otherName) {
+  const auto m = Recorded(measured), o = Recorded(other);
+  Row(what, Time(m), Time(o) + " " + otherName, Quotient(m, o), kInfo);
 }
 
-// Time against a baseline measured in the same run: measured / baseline, at most `atMost`.
-void RatioRow(const std::string& what, const char* measured, const char* baseline, double atMost,
-              const char* goal) {
-  const auto m = Recorded(measured);
-  const auto b = Recorded(baseline);
-  std::optional<double> ratio;
-  if (m && b) ratio = *m / *b;
-  Row(what, Time(m), Time(b), ratio, goal, !ratio ? "?" : *ratio <= atMost ? "yes" : "NO");
-}
-
-void InfoRow(const std::string& what, std::optional<double> ns, std::optional<double> baseNs,
-             const std::string& baseName) {
-  std::optional<double> ratio;
-  if (ns && baseNs) ratio = *ns / *baseNs;
-  Row(what, Time(ns), Time(baseNs) + " " + baseName, ratio, "info", "");
+// A count against the one it must be, with no ratio.
+void CountRow(const std::string& what, const char* name, const char* format, double wanted) {
+  const auto count = Recorded(name);
+  Row(what, Shown(format, count), Format("%.0f", wanted), std::nullopt, Exactly(count, wanted));
 }
 
 void Sweep(Canvas& canvas, const char* name) {
@@ -115,14 +138,6 @@ void Sweep(Canvas& canvas, const char* name) {
   Record(std::string(name) + "_worst", *std::max_element(ms.begin(), ms.end()) * 1e6);
   std::nth_element(ms.begin(), ms.begin() + ms.size() / 2, ms.end());
   Record(std::string(name) + "_median", ms[ms.size() / 2] * 1e6);
-}
-
-// A row of a count against its goal, with no ratio.
-void CountRow(const std::string& what, std::optional<double> value, const char* format,
-              const std::string& baseline, const char* goal, bool met) {
-  char m[32] = "not run";
-  if (value) std::snprintf(m, sizeof m, format, *value);
-  Row(what, m, baseline, std::nullopt, goal, !value ? "?" : met ? "yes" : "NO");
 }
 
 void DataLines(const Data& d) {
@@ -138,81 +153,64 @@ void DataLines(const Data& d) {
       "%ld, %ld, %ld (%ld terminal rows).\n\n",
       plain.lines, plain.circles, plain.texts, overlay.lines, overlay.circles, overlay.texts,
       overlay.termRows);
-  std::printf("%-42s %-14s %-16s %7s  %-7s %s\n", "target", "measured", "baseline/budget", "ratio",
-              "goal", "met");
+  Cells("target", "measured", "baseline/budget", "ratio", "goal", "met");
+}
+
+// How fast velmora-index goes through the world's airports.
+void IndexedRow() {
+  std::string what =
+      Format("  airports indexed, of %d,%03d", kWorldAirports / 1000, kWorldAirports % 1000);
+  if (const auto mb = Recorded("world_mb")) what += Format(" in %d MB", static_cast<int>(*mb));
+  const auto seconds = Quotient(Recorded("BM_BuildIndex"), 1e9);
+  Row(what, Shown("%.0f/s", Quotient(kWorldAirports, seconds)), "", std::nullopt, kInfo);
+}
+
+// The long line's buffer, bounded by the line limit and two reads' worth of buffer.
+void BufferRow() {
+  const auto bytes = Recorded("long_line_buffer_bytes");
+  const double bound = static_cast<double>(kMaxLineBytes + (2u << 20));
+  const auto ratio = Quotient(bytes, bound);
+  Row("  reader's buffer for it", Shown("%.1f MB", Quotient(bytes, 1048576.0)),
+      Format("%.1f MB", bound / 1048576.0), ratio, AtMost(ratio, 1.0));
 }
 
 // The reader rows hold the rates reached, not only the floor the program needs, so that a
 // slip of the line reader shows.
 void ReaderRows() {
-  RateRow("index search rate vs memchr count", "BM_SearchIndex", "BM_IndexLineCount", 0.7,
-          ">=0.70");
-  BudgetRow("LonToGrid + LatToGrid, one pair", Recorded("BM_CoordToGrid"), 100, "100 ns");
-  const auto allocs = Recorded("coord_allocs");
-  CountRow("  allocations per pair", allocs, "%.3f", "0", "==0", allocs && *allocs == 0);
-  RateRow("ExtractArpt rate vs memchr count", "BM_ExtractArpt", "BM_AirportFileLineCount", 1.5,
-          ">=1.50");
-  RateRow("velmora-index rate vs memchr count", "BM_BuildIndex", "BM_WorldLineCount", 0.5,
-          ">=0.50");
-  if (const auto ns = Recorded("BM_BuildIndex"); ns && Recorded("world_mb")) {
-    char m[32];
-    std::snprintf(m, sizeof m, "%.0f/s", 30000 / (*ns / 1e9));
-    Row("  airports indexed, of 30,000 in " +
-            std::to_string(static_cast<int>(*Recorded("world_mb"))) + " MB",
-        m, "", std::nullopt, "info", "");
-  }
-  RateRow("ExtractArpt, one 200 MB line, vs count", "BM_LongLineExtract", "BM_LongLineCount", 0.4,
-          ">=0.40");
-  // Bounded by the line limit and two reads' worth of buffer.
-  const auto bytes = Recorded("long_line_buffer_bytes");
-  const double bound = static_cast<double>(kMaxLineBytes + (2u << 20));
-  char m[32] = "not run";
-  if (bytes) std::snprintf(m, sizeof m, "%.1f MB", *bytes / 1048576.0);
-  Row("  reader's buffer for it", m, "18.0 MB",
-      bytes ? std::optional(*bytes / bound) : std::nullopt, "<=1.00",
-      !bytes            ? "?"
-      : *bytes <= bound ? "yes"
-                        : "NO");
-  BudgetRow("LoadVor, 8001 lines", Recorded("BM_LoadVor"), 5e6, "5 ms");
-  InfoRow("  LoadVor vs memchr count of vor.nav", Recorded("BM_LoadVor"),
-          Recorded("BM_VorLineCount"), "count");
+  RateRow("index search rate vs memchr count", "BM_SearchIndex", "BM_IndexLineCount", 0.7);
+  BudgetRow("LonToGrid + LatToGrid, one pair", "BM_CoordToGrid", 100, "100 ns");
+  CountRow("  allocations per pair", "coord_allocs", "%.3f", 0);
+  RateRow("ExtractArpt rate vs memchr count", "BM_ExtractArpt", "BM_AirportFileLineCount", 1.5);
+  RateRow("velmora-index rate vs memchr count", "BM_BuildIndex", "BM_WorldLineCount", 0.5);
+  IndexedRow();
+  RateRow("ExtractArpt, one 200 MB line, vs count", "BM_LongLineExtract", "BM_LongLineCount", 0.4);
+  BufferRow();
+  BudgetRow(Format("LoadVor, %d lines", kVorLines), "BM_LoadVor", 5e6, "5 ms");
+  InfoRow("  LoadVor vs memchr count of vor.nav", "BM_LoadVor", "BM_VorLineCount", "count");
 }
 
 void DrawingRows() {
-  BudgetRow("full redraw, raster", Recorded("BM_RedrawRaster"), 8e6, "8 ms");
-  InfoRow("  raster vs null canvas", Recorded("BM_RedrawRaster"), Recorded("BM_RedrawNull"),
-          "null");
-  InfoRow("  its circles alone, replayed", Recorded("BM_RasterCirclesOnly"),
-          Recorded("BM_RedrawRaster"), "all");
-  InfoRow("  its texts alone, replayed", Recorded("BM_RasterTextsOnly"),
-          Recorded("BM_RedrawRaster"), "all");
-  BudgetRow("redraw with 30-leg overlay, raster", Recorded("BM_OverlayRaster"), 10e6, "10 ms");
-  InfoRow("  raster vs null canvas", Recorded("BM_OverlayRaster"), Recorded("BM_OverlayNull"),
-          "null");
-  RatioRow("kit PDF, 11 pages vs one-chart PDF", "BM_KitPdf", "BM_SingleChartPdf", 3.0, "<=3.00");
-  RatioRow("kit PDF with --fit vs without", "BM_KitPdfFit", "BM_KitPdf", 1.5, "<=1.50");
-  InfoRow("50 zoom steps, median step, raster", Recorded("zoom_raster_median"),
-          Recorded("zoom_null_median"), "null");
-  InfoRow("50 zoom steps, worst step, raster", Recorded("zoom_raster_worst"),
-          Recorded("zoom_null_worst"), "null");
+  BudgetRow("full redraw, raster", "BM_RedrawRaster", 8e6, "8 ms");
+  InfoRow("  raster vs null canvas", "BM_RedrawRaster", "BM_RedrawNull", "null");
+  InfoRow("  its circles alone, replayed", "BM_RasterCirclesOnly", "BM_RedrawRaster", "all");
+  InfoRow("  its texts alone, replayed", "BM_RasterTextsOnly", "BM_RedrawRaster", "all");
+  BudgetRow(Format("redraw with %d-leg overlay, raster", kApproachLegs), "BM_OverlayRaster", 10e6,
+            "10 ms");
+  InfoRow("  raster vs null canvas", "BM_OverlayRaster", "BM_OverlayNull", "null");
+  RatioRow("kit PDF, 11 pages vs one-chart PDF", "BM_KitPdf", "BM_SingleChartPdf", 3.0);
+  RatioRow("kit PDF with --fit vs without", "BM_KitPdfFit", "BM_KitPdf", 1.5);
+  InfoRow("50 zoom steps, median step, raster", "zoom_raster_median", "zoom_null_median", "null");
+  InfoRow("50 zoom steps, worst step, raster", "zoom_raster_worst", "zoom_null_worst", "null");
 }
 
 void ImportRows() {
-  RateRow("velmora-import rate vs expat's plain parse", "BM_Import", "BM_ExpatParse", 0.5,
-          ">=0.50");
-  InfoRow("  expat without handlers, vs import", Recorded("BM_ExpatMarkupOnly"),
-          Recorded("BM_Import"), "import");
-  if (const auto peak = Recorded("import_peak_bytes"), source = Recorded("import_source_bytes");
-      peak && source) {
-    char m[32], b[32];
-    std::snprintf(m, sizeof m, "%.1f MB", *peak / 1e6);
-    std::snprintf(b, sizeof b, "%.1f MB source", *source / 1e6);
-    Row("  its peak memory vs the source", m, b, *peak / *source, "<=3.00",
-        *peak <= 3 * *source ? "yes" : "NO");
-  }
-  const auto loaded = Recorded("import_loaded");
-  CountRow("  imported airports that load", loaded, "%.0f", "2000", "==2000",
-           loaded && *loaded == 2000);
+  RateRow("velmora-import rate vs expat's plain parse", "BM_Import", "BM_ExpatParse", 0.5);
+  InfoRow("  expat without handlers, vs import", "BM_ExpatMarkupOnly", "BM_Import", "import");
+  const auto peak = Recorded("import_peak_bytes"), source = Recorded("import_source_bytes");
+  const auto ratio = Quotient(peak, source);
+  Row("  its peak memory vs the source", Shown("%.1f MB", Quotient(peak, 1e6)),
+      Shown("%.1f MB source", Quotient(source, 1e6)), ratio, AtMost(ratio, 3.0));
+  CountRow("  imported airports that load", "import_loaded", "%.0f", kImportAirports);
 }
 
 void Summary(const Data& d) {
