@@ -74,24 +74,67 @@ TEST(IndexSearch, ProgressGainsADotEvery3000RejectedLines) {
 }
 
 TEST(IndexSearch, MatchesField1WithoutItsBlanks) {
-  // The index, the code searched and the match's fields without blanks, "" for none; the index
-  // isn't upper-cased.
-  // clang-format off
-  const struct { Lines index; const char *search, *found; } cases[] = {
-      {{"KSEA;a;b;s.xml", " K L A X ;Los Angeles;In tl;dir/k lax.xml"}, "KLAX",
-       "KLAX|LosAngeles|Intl|dir/klax.xml"},
-      {{"klax;a;b;c.xml"}, "KLAX", ""}, {{"KLAX;a;b;c.xml"}, "KL AX", ""}, {{}, "KLAX", ""},
-      {{"KLAX;first;x;a.xml;extra", "KLAX;second;y;b.xml"}, "KLAX", "KLAX|first|x|a.xml"}};
-  // clang-format on
+  // The index isn't upper-cased; the fields of a match lose their blanks.
+  const struct {
+    Lines index;
+    const char* search;
+    bool found;
+    const char *ident, *info1, *info2, *file;
+  } cases[] = {
+      {{"KSEA;a;b;s.xml", " K L A X ;Los Angeles;In tl;dir/k lax.xml"},
+       "KLAX",
+       true,
+       "KLAX",
+       "LosAngeles",
+       "Intl",
+       "dir/klax.xml"},
+      {{"KLAX;first;x;a.xml;extra", "KLAX;second;y;b.xml"},
+       "KLAX",
+       true,
+       "KLAX",
+       "first",
+       "x",
+       "a.xml"},
+      {{"klax;a;b;c.xml"}, "KLAX", false, "klax", "", "", ""},
+      {{"KLAX;a;b;c.xml"}, "KL AX", false, "KLAX", "", "", ""},
+      {{}, "KLAX", false, "", "", "", ""},
+  };
   TempDir dir;
   for (const auto& c : cases) {
     const auto r = SearchIndex(dir.write("Arpt index.txt", CrLf(c.index)), c.search, nullptr);
     EXPECT_TRUE(r.opened);
-    EXPECT_EQ(r.found ? r.ident + "|" + r.info1 + "|" + r.info2 + "|" + r.file : "", c.found)
-        << c.search;
+    EXPECT_EQ(r.found, c.found) << c.search;
+    EXPECT_EQ(r.ident, c.ident) << c.search;
+    EXPECT_EQ(r.info1, c.info1) << c.search;
+    EXPECT_EQ(r.info2, c.info2) << c.search;
+    EXPECT_EQ(r.file, c.file) << c.search;
   }
   const auto missing = SearchIndex(dir.path() / "none.txt", "KLAX", nullptr);
-  EXPECT_FALSE(missing.opened || missing.found);
+  EXPECT_FALSE(missing.opened);
+  EXPECT_FALSE(missing.found);
+}
+
+// A search that finds nothing leaves field 1 of the last line it looked at, however long.
+TEST(IndexSearch, NotFoundLeavesField1OfTheLastLine) {
+  const std::string q40(40, 'Q'), r32(32, 'R'), r33(33, 'R');
+  const struct {
+    Lines index;
+    std::string ident;
+  } cases[] = {
+      {{"KSEA;a", "K L A X;x;y;z"}, "KLAX"},
+      {{"KSEA;a", q40 + ";b"}, q40},
+      {{q40 + ";b", "KSEA;a"}, "KSEA"},
+      {{"KSEA;a", "NOFIELDS"}, "NOFIELDS"},
+      {{"KSEA;a", r32}, r32},
+      {{"KSEA;a", r33}, r33},
+      {{"KSEA;a", ""}, "KSEA"},
+  };
+  TempDir dir;
+  for (const auto& c : cases) {
+    const auto r = SearchIndex(dir.write("Arpt index.txt", CrLf(c.index)), "NONE", nullptr);
+    EXPECT_FALSE(r.found) << c.ident;
+    EXPECT_EQ(r.ident, c.ident);
+  }
 }
 
 TEST(FixLookup, FirstTableAndLowestSlotWin) {
