@@ -19,34 +19,60 @@ constexpr std::int32_t kY0 = 19440000;
 TEST(VorList, CoordinateTextFromTheFieldsAndSlots) {
   TempDir dir;
   Store store;
-  const std::string file =
-      CrLf({"1;-122;-18.55;47;26.390;0;SEA;116.80", "2;8;34.12;-33;-56.50;0;ZRH;114.85",
-            "short;1;2", "", "3;0;-10.5;0;-0.5;x;GRN;110.00;9;10",
-            "4;8;34,12;-12;-18,55;0;CMA;112.00", "7;1;0.0;1;0.0;0;SEVEN"});
+  const std::string file = CrLf({
+      "1;-122;-18.55;47;26.390;0;SEA;116.80",
+      "2;8;34.12;-33;-56.50;0;ZRH;114.85",
+      "short;1;2",
+      "",
+      "3;0;-10.5;0;-0.5;x;GRN;110.00;9;10",
+      "4;8;34,12;-12;-18,55;0;CMA;112.00",
+      "7;1;0.0;1;0.0;0;SEVEN",
+  });
   const VorReport report = LoadVor(store, dir.write("vor.nav", file));
-  EXPECT_EQ(std::tie(report.opened, report.skipped, report.dropped, store.VorLast),
-            std::tuple(true, 3, 0, 3));
+  EXPECT_TRUE(report.opened);
+  EXPECT_EQ(report.skipped, 3);
+  EXPECT_EQ(report.dropped, 0);
+  EXPECT_EQ(store.VorLast, 3);
   // Trailing zeros stay, north and south.
-  const char* want[] = {"SEA|W122 18.55|N47 26.390|116.80", "ZRH|E8 34.12|S33 56.5|114.85",
-                        "GRN|E0 -10.5|N0 -0.5|110.00"};
+  const struct {
+    const char *ident, *lon, *lat, *frequency;
+  } want[] = {
+      {"SEA", "W122 18.55", "N47 26.390", "116.80"},
+      {"ZRH", "E8 34.12", "S33 56.5", "114.85"},
+      {"GRN", "E0 -10.5", "N0 -0.5", "110.00"},
+  };
   for (int i = 0; i < 3; ++i) {
     const VorRow& v = store.Vor[i];
-    EXPECT_EQ(v.ident + "|" + v.lon + "|" + v.lat + "|" + v.frequency, want[i]);
+    EXPECT_EQ(v.ident, want[i].ident);
+    EXPECT_EQ(v.lon, want[i].lon) << v.ident;
+    EXPECT_EQ(v.lat, want[i].lat) << v.ident;
+    EXPECT_EQ(v.frequency, want[i].frequency) << v.ident;
   }
   // "," as decimal mark: 34.12' is 122832 grid units, 18.55' is 66780.
-  EXPECT_EQ(
-      std::tuple(store.Vor[3].ident, LonToGrid(store.Vor[3].lon), LatToGrid(store.Vor[3].lat)),
-      std::tuple("CMA", kX0 + 8 * kDeg + 122832, kY0 - 12 * kDeg - 66780));
+  EXPECT_EQ(store.Vor[3].ident, "CMA");
+  EXPECT_EQ(LonToGrid(store.Vor[3].lon), kX0 + 8 * kDeg + 122832);
+  EXPECT_EQ(LatToGrid(store.Vor[3].lat), kY0 - 12 * kDeg - 66780);
+}
 
-  // Loaded again into the same store: VorLast is the highest slot in use, lines beyond slot
-  // 8000 are dropped.
-  for (auto [lines, vorLast, dropped] : {std::tuple{0, -1, 0}, {8001, 8000, 0}, {8003, 8000, 2}}) {
+// Loaded again into the same store: VorLast is the highest slot in use, lines beyond slot 8000
+// are dropped, and nothing of the list before stays.
+TEST(VorList, ReloadsClearAndStopAtTheLastSlot) {
+  TempDir dir;
+  Store store;
+  const struct {
+    int lines, vorLast, dropped;
+  } cases[] = {{8001, 8000, 0}, {8003, 8000, 2}, {0, -1, 0}};
+  for (const auto& c : cases) {
     std::vector<std::string> text;
-    for (int i = 0; i < lines; ++i) text.push_back("1;1;0.0;1;0.0;0;V" + std::to_string(i) + ";1");
+    for (int i = 0; i < c.lines; ++i) {
+      text.push_back("1;1;0.0;1;0.0;0;V" + std::to_string(i) + ";1");
+    }
     const VorReport full = LoadVor(store, dir.write("vor.nav", CrLf(text)));
-    EXPECT_EQ(std::tie(full.opened, store.VorLast, full.dropped),
-              std::tuple(true, vorLast, dropped));
-    EXPECT_EQ(store.Vor[0].ident + store.Vor[8000].ident, lines ? "V0V8000" : "");  // reloads clear
+    EXPECT_TRUE(full.opened);
+    EXPECT_EQ(store.VorLast, c.vorLast) << c.lines;
+    EXPECT_EQ(full.dropped, c.dropped) << c.lines;
+    EXPECT_EQ(store.Vor[0].ident, c.lines ? "V0" : "") << c.lines;
+    EXPECT_EQ(store.Vor[8000].ident, c.lines ? "V8000" : "") << c.lines;
   }
   store = Store();
   EXPECT_FALSE(LoadVor(store, dir.path() / "missing.nav").opened);
@@ -69,7 +95,8 @@ TEST(IndexSearch, ProgressGainsADotEvery3000RejectedLines) {
     const auto result = SearchIndex(index, c.code, [&](int d) { dots.push_back(d); });
     EXPECT_EQ(dots, c.dots) << c.code;
     const bool found = c.code[0] == 'C';  // if not, ident is that of the last line looked at
-    EXPECT_EQ(std::tie(result.found, result.ident), std::tuple(found, found ? c.code : "C24001"));
+    EXPECT_EQ(result.found, found) << c.code;
+    EXPECT_EQ(result.ident, found ? c.code : "C24001");
   }
 }
 
