@@ -20,7 +20,8 @@ cd "$(dirname "$0")"
 BUILD=${BUILD:-build}
 
 packages=(cmake ninja-build g++ qt6-base-dev libgl-dev libgtest-dev libbenchmark-dev poppler-utils
-  fonts-dejavu-core xvfb xauth x11-apps imagemagick pkg-config libqpdf-dev libexpat1-dev clang libclang-rt-14-dev)
+  fonts-dejavu-core xvfb xauth x11-apps imagemagick pkg-config libqpdf-dev libexpat1-dev clang libclang-rt-14-dev
+  time)
 
 install_missing() {
   [ $# -gt 0 ] && packages=("$@")
