@@ -204,12 +204,16 @@ long DrawnCount(const Lines& trace) {
 // Index lines that name a FIFO (on Windows a folder), /dev/zero, a way up and the folder
 // itself; on POSIX the airport folder is a link to a folder elsewhere.
 TEST(FilesTest, FilesThatAreNotFilesGiveACaptionAndNoChart) {
-  const auto cases = Split("XFIF=fifo.txt XZER=/dev/zero XUP=../vor.nav XDIR=.", ' ');
+  const struct {
+    std::string code, file;
+  } cases[] = {
+      {"XFIF", "fifo.txt"},
+      {"XZER", "/dev/zero"},
+      {"XUP", "../vor.nav"},
+      {"XDIR", "."},
+  };
   std::string index;
-  for (std::string_view c : cases) {
-    index += std::string(c.substr(0, c.find('='))) + ";a;b;" +
-             std::string(c.substr(c.find('=') + 1)) + "\r\n";
-  }
+  for (const auto& c : cases) index += c.code + ";a;b;" + c.file + "\r\n";
   World w(index), elsewhere;
 #ifdef _WIN32
   fs::create_directory(w.dir.path() / "FSXFiles/fifo.txt");
@@ -219,17 +223,16 @@ TEST(FilesTest, FilesThatAreNotFilesGiveACaptionAndNoChart) {
   ASSERT_EQ(mkfifo((w.dir.path() / "FSXFiles/fifo.txt").c_str(), 0600), 0);
 #endif
   Harness h(w.dir.path());
-  for (std::string_view c : cases) {
-    const std::string code(c.substr(0, c.find('=')));
+  for (const auto& c : cases) {
     h.load("XWHL");
     h.takeTrace();
-    h.load(code);
-    EXPECT_EQ(h.form().controls().caption,
-              "FSXFiles/" + std::string(c.substr(c.find('=') + 1)) +
-                  " is not an airport file Velmora can read - no chart for " + code);
-    EXPECT_FALSE(h.store().hasAirport()) << code;
-    EXPECT_EQ(DrawnCount(h.takeTrace()), 0) << code;
-    EXPECT_FALSE(h.form().controls().cmbAPP.enabled) << code;
+    h.load(c.code);
+    EXPECT_EQ(
+        h.form().controls().caption,
+        "FSXFiles/" + c.file + " is not an airport file Velmora can read - no chart for " + c.code);
+    EXPECT_FALSE(h.store().hasAirport()) << c.code;
+    EXPECT_EQ(DrawnCount(h.takeTrace()), 0) << c.code;
+    EXPECT_FALSE(h.form().controls().cmbAPP.enabled) << c.code;
   }
   // A good load afterwards works as if the bad ones never came.
   Harness fresh(w.dir.path());
