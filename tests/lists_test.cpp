@@ -155,6 +155,11 @@ TEST(IndexSearch, NotFoundLeavesField1OfTheLastLine) {
       {{"KSEA;a", r32}, r32},
       {{"KSEA;a", r33}, r33},
       {{"KSEA;a", ""}, "KSEA"},
+      {{"KSEA;a", "AB;c"}, "AB"},
+      {{"KSEA;a", ";a;b;c"}, ""},
+      {{"KSEA;a", "ABCDEFG;b;c"}, "ABCDEFG"},
+      {{"KSEA;a", "ABCDEFGH;b;c"}, "ABCDEFGH"},
+      {{"KSEA;a", "A B C;D;b;c"}, "ABC"},
   };
   TempDir dir;
   for (const auto& c : cases) {
