@@ -13,7 +13,7 @@ scratch=${2:-/tmp/velmora-mutate}
 mkdir -p "$scratch"
 # Only changed files are copied, so the scratch build stays incremental from run to run.
 rm -rf "$scratch/stage" && mkdir -p "$scratch/stage" "$scratch/src"
-tar -C "$repo" --exclude=./build --exclude=./.git -cf - . | tar -C "$scratch/stage" -xf -
+tar -C "$repo" --exclude='./build*' --exclude=./.git -cf - . | tar -C "$scratch/stage" -xf -
 (cd "$scratch/stage" && find . -type f | while read -r f; do
   cmp -s "$f" "../src/$f" || { mkdir -p "../src/$(dirname "$f")" && cp "$f" "../src/$f"; }
 done)
