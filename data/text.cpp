@@ -102,6 +102,14 @@ std::string Utf8ToCp1252(std::string_view text) {
   return out;
 }
 
+std::string AsciiLowerCase(std::string_view text) {
+  std::string out(text);
+  for (char& c : out) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + ('a' - 'A'));
+  }
+  return out;
+}
+
 std::string UpperCase(std::string_view text) {
   std::string out(text);
   for (char& c : out) c = UpperChar(static_cast<unsigned char>(c));

@@ -18,6 +18,8 @@ std::string Utf8ToCp1252(std::string_view text);
 
 // Upper case of the Windows-1252 letters, accented ones included.
 std::string UpperCase(std::string_view text);
+// Lower case of the ASCII letters alone, for names such as file extensions.
+std::string AsciiLowerCase(std::string_view text);
 // Letter case ignored for ASCII letters, as the searches for "ATIS" or "VOR" need.
 bool ContainsNoCase(std::string_view text, std::string_view word);
 

@@ -1,10 +1,10 @@
 #include "shell/chart_outputs.h"
 
-#include <cctype>
 #include <fstream>
 #include <ostream>
 
 #include "data/platform.h"
+#include "data/text.h"
 #include "geometry/svg_canvas.h"
 #include "shell/chart_name.h"
 
@@ -32,9 +32,7 @@ class FolderKit final : public KitDocument {
 }  // namespace
 
 std::string PictureExtension(const std::filesystem::path& path) {
-  std::string ext = PathToUtf8(path.extension());
-  for (char& ch : ext) ch = static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
-  return ext;
+  return AsciiLowerCase(PathToUtf8(path.extension()));
 }
 
 bool WriteSvg(const RecordingCanvas& picture, const std::filesystem::path& path,

@@ -34,10 +34,7 @@ struct Source {
 };
 
 bool IsXml(const std::filesystem::path& p) {
-  std::string ext = PathToUtf8(p.extension());
-  std::transform(ext.begin(), ext.end(), ext.begin(),
-                 [](unsigned char c) { return std::tolower(c); });
-  return ext == ".xml";
+  return AsciiLowerCase(PathToUtf8(p.extension())) == ".xml";
 }
 
 // The files one SOURCE stands for, in name order; false when it names nothing readable.

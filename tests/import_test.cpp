@@ -299,6 +299,19 @@ TEST(Import, FileNamesOutsideAsciiStayFindable) {
   }
 }
 
+// A folder given is searched for .xml files, whatever the case of their extension.
+TEST(Import, AFoldersSourcesAreItsXmlFiles) {
+  TempDir dir;
+  dir.write("src/UPPER.XML", kGood);
+  dir.write("src/notes.txt", "not a source");
+  std::ostringstream err;
+  const ImportResult result = Import(dir, {dir.path() / "src"}, err);
+  EXPECT_EQ(result.status, 0) << err.str();
+  EXPECT_EQ(result.files, 1);
+  EXPECT_TRUE(std::filesystem::exists(dir.path() / "data/FSXFiles/UPPER.XML"));
+  EXPECT_FALSE(std::filesystem::exists(dir.path() / "data/FSXFiles/notes.txt"));
+}
+
 // The reader splits at every double quote and takes any "<" for an element: such characters
 // of a name are written as references, which the reader shows as written.
 TEST(Import, QuotesAndAngleBracketsOfANameGoAsReferences) {
