@@ -4,6 +4,7 @@
 
 #include <benchmark/benchmark.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <QGuiApplication>
 #include <algorithm>
@@ -22,9 +23,12 @@
 namespace velmora::bench {
 namespace {
 
-// Keeps each run's real time per iteration, in ns, for the summary.
+// Keeps each run's real time per iteration, in ns, for the summary. Colours only on a terminal,
+// so that logs hold no escape codes (the library's --benchmark_color reaches only its own
+// reporter).
 class CapturingReporter final : public benchmark::ConsoleReporter {
  public:
+  CapturingReporter() : ConsoleReporter(isatty(fileno(stdout)) ? OO_Defaults : OO_Tabular) {}
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& run : runs) {
       if (run.run_type != Run::RT_Iteration || run.error_occurred) continue;
