@@ -193,24 +193,9 @@ TEST(Form, RedrawsOfAPickedChartClickZoomAndReset) {
   EXPECT_EQ(Count(t, "circle 6796 5004 3000 192,192,0"), 2);
   EXPECT_EQ(Count(t, "line 6800 5000 7200 5000 192,192,0"), 3);  // the cross stays
   EXPECT_TRUE(t.back().starts_with("line ") && t.back().ends_with(" 0,128,0 2 0")) << t.back();
-  // Each step: the clicks, then the zoom shown and a part drawn so often. The pan stays through
-  // + and -, the zoom through the reset; labels at 2 and 50 are 2, and 2 again.
-  // clang-format off
-  const struct { int clicks; const char *zoom, *part; long count; } steps[] = {
-      {1, nullptr, "circle 6796 5004 3429 192,192,0", 1},
-      {0, "Zoom Level=14", "circle 7000 5000 3429 192,192,0", 1},
-      {7, "Zoom Level=2", "print 30000 9900 192,0,0 8 0 10", 2},
-      {-25, "Zoom Level=50", "print 6960 9900 192,0,0 8 0 10", 2}};
-  // clang-format on
-  for (const auto& k : steps) {
-    if (k.clicks == 0) f.cmdZoom_Click();
-    for (int i = 0; i < k.clicks; ++i) f.cmdPlus_Click();
-    for (int i = 0; i > k.clicks; --i) f.cmdMinus_Click();
-    if (k.zoom) {
-      EXPECT_EQ(f.controls().cmdZoom.text, std::string("Reset Position\r") + k.zoom);
-    }
-    EXPECT_EQ(Count(h.takeTrace(), k.part), k.count) << k.part;
-  }
+  // Zoom and reset keep the terminal list; what each zoom draws is the casebook road's.
+  f.cmdPlus_Click();
+  f.cmdZoom_Click();
   EXPECT_EQ(f.controls().cmbTerm.rows, Lines{"VOR VOA"});
 }
 

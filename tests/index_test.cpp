@@ -208,17 +208,13 @@ TEST(IndexBuild, CheckComparesWithoutWriting) {
 
 TEST(IndexArgs, OptionsAndMistakes) {
   std::ostringstream err;
-  const auto o = ParseIndexArgs({"--check", "--data", "/d", "--out", "-"}, "/exe", err);
-  ASSERT_TRUE(o);
-  EXPECT_EQ(o->dataDir, "/d");
-  EXPECT_EQ(o->outPath, "-");
-  EXPECT_TRUE(o->check);
   // Arguments are UTF-8 on every system; a name outside ASCII stays that name.
-  const auto named =
-      ParseIndexArgs({"--data", "/J\xc3\xbcrgen", "--out", "K\xc3\xb6ln.txt"}, "/exe", err);
-  ASSERT_TRUE(named);
-  EXPECT_EQ(named->dataDir, fs::path(u8"/Jürgen"));
-  EXPECT_EQ(named->outPath, fs::path(u8"Köln.txt"));
+  const auto o = ParseIndexArgs({"--check", "--data", "/J\xc3\xbcrgen", "--out", "K\xc3\xb6ln.txt"},
+                                "/exe", err);
+  ASSERT_TRUE(o);
+  EXPECT_EQ(o->dataDir, fs::path(u8"/Jürgen"));
+  EXPECT_EQ(o->outPath, fs::path(u8"Köln.txt"));
+  EXPECT_TRUE(o->check);
   EXPECT_EQ(ParseIndexArgs({}, "/exe", err)->dataDir, "/exe");
   for (const auto& bad :
        std::vector<std::vector<std::string>>{{"--data"}, {"--out", ""}, {"--fast"}, {"dir"}}) {

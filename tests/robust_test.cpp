@@ -206,12 +206,7 @@ long DrawnCount(const Lines& trace) {
 TEST(FilesTest, FilesThatAreNotFilesGiveACaptionAndNoChart) {
   const struct {
     std::string code, file;
-  } cases[] = {
-      {"XFIF", "fifo.txt"},
-      {"XZER", "/dev/zero"},
-      {"XUP", "../vor.nav"},
-      {"XDIR", "."},
-  };
+  } cases[] = {{"XFIF", "fifo.txt"}, {"XZER", "/dev/zero"}, {"XUP", "../vor.nav"}, {"XDIR", "."}};
   std::string index;
   for (const auto& c : cases) index += c.code + ";a;b;" + c.file + "\r\n";
   World w(index), elsewhere;
