@@ -94,7 +94,7 @@ case "${1:-}" in
     install_missing
     build
     # Benchmarks first, so the test summary closes the output.
-    "$BUILD/bench/velmora_bench" --benchmark_color=false
+    "$BUILD/bench/velmora_bench"
     (cd "$BUILD" && ctest --output-on-failure)
     ;;
   shot)

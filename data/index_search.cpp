@@ -89,7 +89,7 @@ IndexSearchResult SearchIndex(LineReader& reader, std::string_view searchIdent,
   IndexSearchResult result;
   int& rejected = result.rejected;
   LastField lastField;
-  int untilDot = 1, dots = 0;  // a dot is due when the countdown ends
+  int untilDot = 1;  // a dot is due when the countdown ends
   std::string_view line;
   while (reader.next(line)) {
     // An empty line holds no airport; it is passed over and not counted.
@@ -108,8 +108,8 @@ IndexSearchResult SearchIndex(LineReader& reader, std::string_view searchIdent,
     // A countdown rather than a division for each line.
     if (--untilDot == 0) {
       untilDot = kLinesPerDot;
+      const int dots = rejected / kLinesPerDot;
       if (dots <= kMaxDots && progress) progress(dots);
-      ++dots;
     }
     ++rejected;
   }
