@@ -47,8 +47,7 @@ void Generate(Data& data);
 std::string Format(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
 
 // A file to write as it is made, which throws when it cannot. Large files are written a piece
-// at a time, never whole in memory: the peak memory read for velmora-import's child takes in
-// this process's own.
+// at a time, never whole in memory.
 std::ofstream OutFile(const std::filesystem::path& path);
 
 // The reader baseline: fread in 1 MiB chunks, memchr for '\n'.
