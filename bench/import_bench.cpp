@@ -16,7 +16,7 @@
 #include "bench/bench_support.h"
 #include "data/arpt_index.h"
 #include "data/extract.h"
-#include "shell/import_run.h"
+#include "import/run.h"
 
 namespace velmora::bench {
 namespace {

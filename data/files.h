@@ -11,6 +11,11 @@
 
 namespace velmora {
 
+// The data folder: the index, the VOR list and the folder of airport files.
+inline constexpr std::string_view kIndexFileName = "Arpt index.txt";
+inline constexpr std::string_view kVorFileName = "vor.nav";
+inline constexpr std::string_view kAirportFolder = "FSXFiles";
+
 // `folder` / `relative` when `relative` names something below the folder, judged on the
 // text alone (the folder itself may be a link); none for an empty path, one with a root (a
 // drive or a leading slash, absolute or not) or one whose ".." climbs out. `relative` is

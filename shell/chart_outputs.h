@@ -1,7 +1,7 @@
 #pragma once
 // What velmora-chart writes: the trace and state streams, pictures in their formats and the
 // pages of a kit. Formats that need a toolkit come in through `PictureWriter` and `KitMaker`;
-// every file is written whole or not at all (shell/atomic_write.h).
+// every file is written whole or not at all (data/atomic_write.h).
 
 #include <filesystem>
 #include <functional>
@@ -9,8 +9,8 @@
 #include <memory>
 #include <string>
 
+#include "data/atomic_write.h"
 #include "geometry/canvas.h"
-#include "shell/atomic_write.h"
 #include "shell/chart_options.h"
 
 namespace velmora {

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "data/files.h"  // the data folder's file names
 #include "data/store.h"
 #include "geometry/canvas.h"
 #include "geometry/mapping.h"
@@ -38,10 +39,6 @@ struct Controls {
   ComboBox cmbAPP{"Approach", false, {}};
   ComboBox cmbTerm{"Terminal", false, {}};
 };
-
-inline constexpr std::string_view kIndexFileName = "Arpt index.txt";
-inline constexpr std::string_view kVorFileName = "vor.nav";
-inline constexpr std::string_view kAirportFolder = "FSXFiles";
 
 // The row of cmbAPP for an approach: type, blank, runway and the designator's first letter.
 std::string ApproachRowText(const ApproachRow& a);

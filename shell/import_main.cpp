@@ -3,8 +3,8 @@
 #include <iostream>
 
 #include "data/platform.h"
+#include "import/run.h"
 #include "shell/data_dir.h"
-#include "shell/import_run.h"
 
 int main(int argc, char** argv) {
   const std::vector<std::string> args = velmora::CommandLineArgs(argc, argv);

@@ -3,8 +3,8 @@
 #include <iostream>
 
 #include "data/platform.h"
+#include "import/index_run.h"
 #include "shell/data_dir.h"
-#include "shell/index_run.h"
 
 int main(int argc, char** argv) {
   velmora::SetStdoutBinary();

@@ -6,14 +6,14 @@
 #include <functional>
 
 #include "data/arpt_index.h"
-#include "data/bgl_import.h"
 #include "data/extract.h"
 #include "data/platform.h"
 #include "data/vor.h"
+#include "import/run.h"
+#include "import/units.h"
+#include "import/vor_merge.h"
+#include "import/xml_source.h"
 #include "shell/form.h"
-#include "shell/import_run.h"
-#include "shell/import_units.h"
-#include "shell/vor_merge.h"
 #include "tests/import/layouts.h"
 #include "tests/test_support.h"
 
@@ -74,7 +74,7 @@ TEST(ImportUnits, ConvertsToTheReadersForm) {
 }
 
 // The importer's conversion of a value the reader reads, by element and key.
-std::string Expected(const BglElement& e, std::string_view key) {
+std::string Expected(const SourceElement& e, std::string_view key) {
   const std::string* v = e.attr(key);
   if (v == nullptr) return {};
   if (key == "lat" || key == "lon") return CoordinateValue(*v, key == "lat").text;
@@ -86,23 +86,23 @@ std::string Expected(const BglElement& e, std::string_view key) {
   return *v;
 }
 
-std::vector<const BglElement*> Children(const BglElement& e, std::string_view name) {
-  std::vector<const BglElement*> out;
-  for (const BglElement& c : e.children) {
+std::vector<const SourceElement*> Children(const SourceElement& e, std::string_view name) {
+  std::vector<const SourceElement*> out;
+  for (const SourceElement& c : e.children) {
     if (c.name == name) out.push_back(&c);
   }
   return out;
 }
 
-void ExpectRunwaysAndRadios(const Store& s, const BglElement& a) {
+void ExpectRunwaysAndRadios(const Store& s, const SourceElement& a) {
   const auto runways = Children(a, "Runway");
-  std::vector<const BglElement*> ils;
+  std::vector<const SourceElement*> ils;
   for (std::size_t k = 0; k < runways.size(); ++k) {
     const RwyEndRow& row = s.RwyEnd[static_cast<std::int32_t>(2 * k)];
     EXPECT_EQ(row.length, Expected(*runways[k], "length"));
     EXPECT_EQ(row.width, Expected(*runways[k], "width"));
     EXPECT_EQ(row.surface, Expected(*runways[k], "surface"));
-    for (const BglElement* i : Children(*runways[k], "Ils")) ils.push_back(i);
+    for (const SourceElement* i : Children(*runways[k], "Ils")) ils.push_back(i);
   }
   const auto starts = Children(a, "Start");
   for (std::size_t i = 0; i < starts.size(); ++i) {
@@ -113,7 +113,7 @@ void ExpectRunwaysAndRadios(const Store& s, const BglElement& a) {
     EXPECT_EQ(row.lat, Expected(*starts[i], "lat"));
     EXPECT_EQ(row.lon, Expected(*starts[i], "lon"));
   }
-  for (const BglElement* i : Children(a, "Ils")) ils.push_back(i);
+  for (const SourceElement* i : Children(a, "Ils")) ils.push_back(i);
   for (std::size_t i = 0; i < ils.size(); ++i) {
     const IlsRow& row = s.Ils[static_cast<std::int32_t>(i)];
     EXPECT_EQ(row.end, Expected(*ils[i], "ident"));
@@ -130,7 +130,7 @@ void ExpectRunwaysAndRadios(const Store& s, const BglElement& a) {
   }
 }
 
-void ExpectFixes(const Store& s, const BglElement& a) {
+void ExpectFixes(const Store& s, const SourceElement& a) {
   const auto ndbs = Children(a, "Ndb");
   EXPECT_EQ(s.NdbLast, static_cast<std::int32_t>(ndbs.size()));
   for (std::size_t i = 0; i < ndbs.size(); ++i) {
@@ -149,7 +149,7 @@ void ExpectFixes(const Store& s, const BglElement& a) {
   }
 }
 
-void ExpectLeg(const Store& s, std::int32_t& slot, const BglElement& leg, std::int32_t app,
+void ExpectLeg(const Store& s, std::int32_t& slot, const SourceElement& leg, std::int32_t app,
                std::int32_t trans) {
   const LegRow& row = s.Leg[slot++];
   EXPECT_EQ(row.app, app);
@@ -161,24 +161,24 @@ void ExpectLeg(const Store& s, std::int32_t& slot, const BglElement& leg, std::i
   EXPECT_EQ(row.recommendedIdent, Expected(leg, "recommendedIdent"));
 }
 
-void ExpectApproaches(const Store& s, const BglElement& a) {
+void ExpectApproaches(const Store& s, const SourceElement& a) {
   std::int32_t leg = 0, trans = 0, app = 0;
-  for (const BglElement* ap : Children(a, "Approach")) {
+  for (const SourceElement* ap : Children(a, "Approach")) {
     const ApproachRow& row = s.Approach[app];
     EXPECT_EQ(row.type, Expected(*ap, "type"));
     EXPECT_EQ(row.runway, Expected(*ap, "runway"));
     EXPECT_EQ(row.designator, Expected(*ap, "designator"));
     for (const char* group : {"ApproachLegs", "MissedApproachLegs"}) {
-      for (const BglElement* g : Children(*ap, group)) {
-        for (const BglElement& l : g->children) ExpectLeg(s, leg, l, app, kApproachLeg);
+      for (const SourceElement* g : Children(*ap, group)) {
+        for (const SourceElement& l : g->children) ExpectLeg(s, leg, l, app, kApproachLeg);
       }
     }
-    for (const BglElement* t : Children(*ap, "Transition")) {
+    for (const SourceElement* t : Children(*ap, "Transition")) {
       EXPECT_EQ(s.Trans[trans].app, app);
       EXPECT_EQ(s.Trans[trans].fixType, Expected(*t, "fixType"));
       EXPECT_EQ(s.Trans[trans].fixIdent, Expected(*t, "fixIdent"));
-      for (const BglElement* g : Children(*t, "TransitionLegs")) {
-        for (const BglElement& l : g->children) ExpectLeg(s, leg, l, app, trans);
+      for (const SourceElement* g : Children(*t, "TransitionLegs")) {
+        for (const SourceElement& l : g->children) ExpectLeg(s, leg, l, app, trans);
       }
       ++trans;
     }
@@ -187,7 +187,7 @@ void ExpectApproaches(const Store& s, const BglElement& a) {
   EXPECT_EQ(s.LegLast, std::max(leg - 1, 0));
 }
 
-void ExpectStoreHolds(const Store& s, const BglElement& a) {
+void ExpectStoreHolds(const Store& s, const SourceElement& a) {
   const std::pair<const std::string*, const char*> fields[] = {
       {&s.ArptCountry, "country"}, {&s.ArptState, "state"},  {&s.ArptCity, "city"},
       {&s.ArptName, "name"},       {&s.ArptLat, "lat"},      {&s.ArptLon, "lon"},
@@ -219,7 +219,7 @@ TEST(Import, TheReaderHoldsWhatTheParserSawConverted) {
     EXPECT_EQ(result.airports, 5);
     auto store = std::make_unique<Store>();
     for (const auto& f : files) {
-      for (const BglElement& a : ParseBgl(f.bytes).records) {
+      for (const SourceElement& a : ParseXmlSource(f.bytes).records) {
         const ExtractReport report =
             ExtractArpt(*store, dir.path() / "data" / kAirportFolder / f.name, *a.attr("ident"));
         EXPECT_TRUE(report.found) << *a.attr("ident");
@@ -365,7 +365,7 @@ TEST(Import, HostileSourcesEndWithAMessage) {
       {"not closed", "<FSData><Airport ident=\"X\">", "no element found"},
   };
   for (const HostileCase& c : cases) {
-    const BglSource got = ParseBgl(c.bytes);
+    const SourceTree got = ParseXmlSource(c.bytes);
     EXPECT_NE(got.error.find(c.message), std::string::npos) << c.name << ": " << got.error;
     EXPECT_EQ(got.ok(), c.message.empty()) << c.name;
   }

@@ -12,8 +12,8 @@
 #include "data/extract.h"
 #include "data/line_reader.h"
 #include "data/platform.h"
+#include "import/index_run.h"
 #include "shell/data_dir.h"
-#include "shell/index_run.h"
 #include "test_support.h"
 
 namespace velmora::test {

@@ -17,9 +17,9 @@
 #include <sstream>
 
 #include "data/text.h"
+#include "import/run.h"
 #include "shell/chart_name.h"
 #include "shell/chart_run.h"
-#include "shell/import_run.h"
 #include "shell/qt/pictures.h"
 #include "shell/qt/qt_paths.h"
 

@@ -4,21 +4,21 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "data/bgl_import.h"
 #include "data/extract.h"
-#include "shell/import_write.h"
-#include "shell/vor_merge.h"
+#include "import/vor_merge.h"
+#include "import/writer.h"
+#include "import/xml_source.h"
 #include "tests/fuzz/fuzz_input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const velmora::fuzz::Input in = velmora::fuzz::Take(data, size);
-  velmora::BglReader reader;
+  velmora::XmlSourceReader reader;
   std::string_view rest = in.bytes;
   while (rest.size() > in.chunk && reader.feed(rest.substr(0, in.chunk), false)) {
     rest.remove_prefix(in.chunk);
   }
   reader.feed(rest, true);
-  const velmora::BglSource source = reader.take();
+  const velmora::SourceTree source = reader.take();
   const velmora::ConvertedSource converted = velmora::ConvertSource(source, "fuzz");
   std::vector<std::vector<const velmora::NavaidText*>> copies(converted.airports.size());
   for (std::size_t i = 0; i < copies.size(); ++i) {

@@ -5,12 +5,12 @@
 #include <fstream>
 #include <iterator>
 
-#include "data/bgl_import.h"
 #include "data/numbers.h"
 #include "data/store.h"
 #include "data/text.h"
 #include "data/vor.h"
-#include "shell/import_units.h"
+#include "import/units.h"
+#include "import/xml_source.h"
 
 #ifndef VELMORA_SAMPLE_DIR
 #error "VELMORA_SAMPLE_DIR must name the sample folder"
@@ -93,7 +93,7 @@ constexpr const char* kClutter =
     "  <SceneryObject lat=\"1\" lon=\"2\"><LibraryObject name=\"x\" "
     "scale=\"1\"/></SceneryObject>\n";
 
-void Write(std::string& out, const BglElement& e, const SourceStyle& s, int depth) {
+void Write(std::string& out, const SourceElement& e, const SourceStyle& s, int depth) {
   const std::string pad(static_cast<std::size_t>(depth) * 2, ' ');
   auto attrs = e.attrs;
   if (s.wordAlone) std::reverse(attrs.begin(), attrs.end());
@@ -108,25 +108,25 @@ void Write(std::string& out, const BglElement& e, const SourceStyle& s, int dept
   }
   out += ">\n";
   if (s.clutter && e.name == "Airport") out += kClutter;
-  for (const BglElement& c : e.children) Write(out, c, s, depth + 1);
+  for (const SourceElement& c : e.children) Write(out, c, s, depth + 1);
   out += pad + "</" + e.name + ">\n";
 }
 
-std::string Document(const std::vector<const BglElement*>& records, const SourceStyle& s) {
+std::string Document(const std::vector<const SourceElement*>& records, const SourceStyle& s) {
   const char* encoding = s.encoding == Encoding::kUtf8     ? "UTF-8"
                          : s.encoding == Encoding::kLatin1 ? "ISO-8859-1"
                                                            : "Windows-1252";
   std::string out =
       std::string("<?xml version=\"1.0\" encoding=\"") + encoding + "\"?>\n<FSData>\n";
   if (s.clutter) out += kClutter;
-  for (const BglElement* r : records) Write(out, *r, s, 1);
+  for (const SourceElement* r : records) Write(out, *r, s, 1);
   out += "</FSData>\n";
   return s.encoding == Encoding::kUtf8 ? Cp1252ToUtf8(out) : out;
 }
 
-BglElement VorRecord(const VorRow& row) {
+SourceElement VorRecord(const VorRow& row) {
   const char* types = "THL";
-  BglElement v{"Vor", {}, {}, 0};
+  SourceElement v{"Vor", {}, {}, 0};
   v.attrs = {{"lat", row.lat},
              {"lon", row.lon},
              {"ident", row.ident},
@@ -174,18 +174,19 @@ std::vector<SourceStyle> SourceStyles() {
 std::vector<SourceFile> SampleSources(const SourceStyle& style) {
   const std::filesystem::path sample = VELMORA_SAMPLE_DIR;
   std::vector<SourceFile> files;
-  std::vector<BglElement> navaids;
-  std::vector<BglSource> parsed;
+  std::vector<SourceElement> navaids;
+  std::vector<SourceTree> parsed;
   for (const char* name : {"sample_west.txt", "sample_multi.txt"}) {
-    BglSource source = ReadBglFile(sample / "FSXFiles" / name);
-    std::vector<const BglElement*> records;
-    for (BglElement& airport : source.records) {
+    SourceTree source = ReadXmlSource(sample / "FSXFiles" / name);
+    std::vector<const SourceElement*> records;
+    for (SourceElement& airport : source.records) {
       if (style.navaidsApart) {
-        for (const BglElement& c : airport.children) {
+        for (const SourceElement& c : airport.children) {
           if (c.name == "Ndb" || c.name == "Waypoint") navaids.push_back(c);
         }
-        std::erase_if(airport.children,
-                      [](const BglElement& c) { return c.name == "Ndb" || c.name == "Waypoint"; });
+        std::erase_if(airport.children, [](const SourceElement& c) {
+          return c.name == "Ndb" || c.name == "Waypoint";
+        });
       }
       records.push_back(&airport);
     }
@@ -195,8 +196,8 @@ std::vector<SourceFile> SampleSources(const SourceStyle& style) {
     Store store;
     LoadVor(store, sample / "vor.nav");
     for (std::int32_t i = 0; i <= store.VorLast; ++i) navaids.push_back(VorRecord(store.Vor[i]));
-    std::vector<const BglElement*> records;
-    for (const BglElement& n : navaids) records.push_back(&n);
+    std::vector<const SourceElement*> records;
+    for (const SourceElement& n : navaids) records.push_back(&n);
     files.push_back({"navaids.xml", Document(records, style)});
   }
   return files;

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "data/bgl_import.h"
+#include "import/xml_source.h"
 
 namespace velmora {
 
@@ -46,7 +46,7 @@ struct ConvertedSource {
 };
 
 // `label` names the source in warnings.
-ConvertedSource ConvertSource(const BglSource& source, const std::string& label);
+ConvertedSource ConvertSource(const SourceTree& source, const std::string& label);
 
 // The whole file: declaration, the airports with `copies[i]` (navaid texts) before the i-th
 // airport's end, CR LF line ends.

@@ -1,4 +1,4 @@
-#include "shell/import_run.h"
+#include "import/run.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,16 +10,16 @@
 #include <sstream>
 
 #include "data/arpt_index.h"
-#include "data/bgl_import.h"
+#include "data/atomic_write.h"
+#include "data/files.h"
 #include "data/platform.h"
 #include "data/text.h"
 #include "data/vor.h"
 #include "geometry/coords.h"
-#include "shell/atomic_write.h"
-#include "shell/form.h"
-#include "shell/import_write.h"
-#include "shell/index_run.h"
-#include "shell/vor_merge.h"
+#include "import/index_run.h"
+#include "import/source_file.h"
+#include "import/vor_merge.h"
+#include "import/writer.h"
 
 namespace velmora {
 namespace {
@@ -32,10 +32,6 @@ struct Source {
   std::string name;  // of the file written into FSXFiles
   ConvertedSource converted;
 };
-
-bool IsXml(const std::filesystem::path& p) {
-  return AsciiLowerCase(PathToUtf8(p.extension())) == ".xml";
-}
 
 // The files one SOURCE stands for, in name order; false when it names nothing readable.
 bool Expand(const std::filesystem::path& source, std::vector<std::filesystem::path>& files,
@@ -53,7 +49,7 @@ bool Expand(const std::filesystem::path& source, std::vector<std::filesystem::pa
   const auto options = std::filesystem::directory_options::skip_permission_denied;
   for (std::filesystem::recursive_directory_iterator it(source, options, ec), end; !ec && it != end;
        it.increment(ec)) {
-    if (it->is_regular_file(ec) && IsXml(it->path())) found.push_back(it->path());
+    if (it->is_regular_file(ec) && IsSourceFile(it->path())) found.push_back(it->path());
   }
   if (ec) {
     err << PathToUtf8(source) << ": the folder could not be read whole - nothing of it imported\n";
@@ -169,11 +165,9 @@ std::vector<Source> ReadSources(const std::vector<std::filesystem::path>& files,
       ++result.skipped;
       continue;
     }
-    const BglSource parsed = ReadBglFile(file);
+    const SourceTree parsed = ReadSourceFile(file);
     if (!parsed.ok()) {
-      const bool atLine = parsed.error.compare(0, 3, "0: ") != 0;
-      err << PathToUtf8(file) << ':' << (atLine ? parsed.error : parsed.error.substr(1))
-          << " - nothing of it imported\n";
+      err << SourceProblem(file, parsed) << " - nothing of it imported\n";
       ++result.skipped;
       continue;
     }

@@ -1,4 +1,4 @@
-#include "shell/index_run.h"
+#include "import/index_run.h"
 
 #include <fstream>
 #include <iterator>
@@ -6,9 +6,9 @@
 #include <sstream>
 
 #include "data/arpt_index.h"
+#include "data/atomic_write.h"
+#include "data/files.h"
 #include "data/platform.h"
-#include "shell/atomic_write.h"
-#include "shell/form.h"
 
 namespace velmora {
 namespace {

@@ -1,4 +1,4 @@
-#include "shell/import_write.h"
+#include "import/writer.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "data/text.h"
-#include "shell/import_units.h"
+#include "import/units.h"
 
 namespace velmora {
 namespace {
@@ -102,8 +102,8 @@ class Writer {
   Writer(std::string& out, const std::string& label, std::vector<std::string>& warnings)
       : out_(out), label_(label), warnings_(warnings) {}
 
-  void element(const BglElement& e, int depth);
-  std::string value(const BglElement& e, std::string_view key);
+  void element(const SourceElement& e, int depth);
+  std::string value(const SourceElement& e, std::string_view key);
 
  private:
   void indent(int depth) { out_.append(static_cast<std::size_t>(depth) * 4, ' '); }
@@ -116,16 +116,16 @@ class Writer {
     out_ += text;
     out_ += kEol;
   }
-  void attr(const BglElement& e, std::string_view key);
-  void attributeLines(const BglElement& e, const Layout& l, int depth);
-  void children(const BglElement& e, int depth);
+  void attr(const SourceElement& e, std::string_view key);
+  void attributeLines(const SourceElement& e, const Layout& l, int depth);
+  void children(const SourceElement& e, int depth);
 
   std::string& out_;
   const std::string& label_;
   std::vector<std::string>& warnings_;
 };
 
-std::string Writer::value(const BglElement& e, std::string_view key) {
+std::string Writer::value(const SourceElement& e, std::string_view key) {
   const std::string* v = e.attr(key);
   if (v == nullptr) return {};
   const Converter convert = ConverterOf(e.name, key);
@@ -139,7 +139,7 @@ std::string Writer::value(const BglElement& e, std::string_view key) {
 }
 
 // Appends `key="value"` (converted and escaped) to the output.
-void Writer::attr(const BglElement& e, std::string_view key) {
+void Writer::attr(const SourceElement& e, std::string_view key) {
   out_ += key;
   out_ += "=\"";
   out_ += Escaped(value(e, key));
@@ -148,7 +148,7 @@ void Writer::attr(const BglElement& e, std::string_view key) {
 
 // The record's attribute lines, the element line first; the output ends without line end, so
 // the caller can close the tag on the last line.
-void Writer::attributeLines(const BglElement& e, const Layout& l, int depth) {
+void Writer::attributeLines(const SourceElement& e, const Layout& l, int depth) {
   indent(depth);
   out_ += '<';
   out_ += e.name;
@@ -191,7 +191,7 @@ void Writer::attributeLines(const BglElement& e, const Layout& l, int depth) {
   }
 }
 
-void Writer::element(const BglElement& e, int depth) {
+void Writer::element(const SourceElement& e, int depth) {
   const Layout* l = LayoutOf(e.name);
   if (l == nullptr) return;
   attributeLines(e, *l, depth);
@@ -208,7 +208,7 @@ void Writer::element(const BglElement& e, int depth) {
   if (e.name == "Runway") line(0, "");
 }
 
-void Writer::children(const BglElement& e, int depth) {
+void Writer::children(const SourceElement& e, int depth) {
   // Runways before starts, so that a runway and the start of its first end share a slot; the
   // approach's own legs before its transitions, which would otherwise claim them.
   static const std::array<std::string_view, 12> kOrder = {"Runway",
@@ -224,7 +224,7 @@ void Writer::children(const BglElement& e, int depth) {
                                                           "TransitionLegs",
                                                           "Leg"};
   for (std::string_view kind : kOrder) {
-    for (const BglElement& c : e.children) {
+    for (const SourceElement& c : e.children) {
       if (c.name == kind) element(c, depth);
     }
   }
@@ -252,23 +252,23 @@ void WantFix(AirportText& a, const std::string* ident, const std::string* type) 
 }
 
 // Every fix the approaches name, less those the airport holds itself.
-void CollectWanted(const BglElement& airport, AirportText& a) {
+void CollectWanted(const SourceElement& airport, AirportText& a) {
   std::vector<std::pair<std::string, bool>> own;
-  for (const BglElement& c : airport.children) {
+  for (const SourceElement& c : airport.children) {
     if (c.name == "Ndb" && c.attr("ident")) own.emplace_back(*c.attr("ident"), true);
     if (c.name == "Waypoint" && c.attr("waypointIdent")) {
       own.emplace_back(*c.attr("waypointIdent"), false);
     }
   }
-  const std::function<void(const BglElement&)> visit = [&](const BglElement& e) {
+  const std::function<void(const SourceElement&)> visit = [&](const SourceElement& e) {
     if (e.name == "Leg") {
       WantFix(a, e.attr("fixIdent"), e.attr("fixType"));
       WantFix(a, e.attr("recommendedIdent"), e.attr("recommendedType"));
     }
     if (e.name == "Transition") WantFix(a, e.attr("fixIdent"), e.attr("fixType"));
-    for (const BglElement& c : e.children) visit(c);
+    for (const SourceElement& c : e.children) visit(c);
   };
-  for (const BglElement& c : airport.children) {
+  for (const SourceElement& c : airport.children) {
     if (c.name == "Approach") {
       ++a.approaches;
       visit(c);
@@ -279,12 +279,12 @@ void CollectWanted(const BglElement& airport, AirportText& a) {
   });
 }
 
-std::optional<double> Degrees(const BglElement& e, bool latitude) {
+std::optional<double> Degrees(const SourceElement& e, bool latitude) {
   const std::string* v = e.attr(latitude ? "lat" : "lon");
   return v ? CoordinateDegrees(*v, latitude) : std::nullopt;
 }
 
-void AddVor(const BglElement& r, const std::string& label, ConvertedSource& out) {
+void AddVor(const SourceElement& r, const std::string& label, ConvertedSource& out) {
   const auto lat = Degrees(r, true);
   const auto lon = Degrees(r, false);
   if (!lat || !lon) {
@@ -301,9 +301,9 @@ void AddVor(const BglElement& r, const std::string& label, ConvertedSource& out)
 
 }  // namespace
 
-ConvertedSource ConvertSource(const BglSource& source, const std::string& label) {
+ConvertedSource ConvertSource(const SourceTree& source, const std::string& label) {
   ConvertedSource out;
-  for (const BglElement& r : source.records) {
+  for (const SourceElement& r : source.records) {
     if (r.name == "Vor") {
       AddVor(r, label, out);
       continue;

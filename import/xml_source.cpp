@@ -1,4 +1,4 @@
-#include "data/bgl_import.h"
+#include "import/xml_source.h"
 
 #include <expat.h>
 
@@ -45,7 +45,7 @@ constexpr std::size_t kMaxValue = 1 << 20;
 
 struct Frame {
   Kind kind;
-  BglElement* element;  // null for the root element, which is not kept
+  SourceElement* element;  // null for the root element, which is not kept
 };
 
 bool SameNoCase(std::string_view a, std::string_view b) {
@@ -54,9 +54,9 @@ bool SameNoCase(std::string_view a, std::string_view b) {
 
 }  // namespace
 
-struct BglReader::Impl {
+struct XmlSourceReader::Impl {
   XML_Parser parser = XML_ParserCreate(nullptr);
-  BglSource source;
+  SourceTree source;
   std::vector<Frame> stack;
   std::uint64_t skipDepth = 0;  // depth inside a passed-over subtree
   std::string stopReason;
@@ -92,9 +92,9 @@ struct BglReader::Impl {
       ++skipDepth;
       return;
     }
-    BglElement* element = nullptr;
+    SourceElement* element = nullptr;
     if (*kind != Kind::kRoot) {
-      BglElement* parent = stack.empty() ? nullptr : stack.back().element;
+      SourceElement* parent = stack.empty() ? nullptr : stack.back().element;
       element = parent ? &parent->children.emplace_back() : &source.records.emplace_back();
       element->name = name;
       element->line = XML_GetCurrentLineNumber(parser);
@@ -122,17 +122,18 @@ struct BglReader::Impl {
 namespace {
 
 void XMLCALL OnStart(void* data, const XML_Char* name, const XML_Char** atts) {
-  static_cast<BglReader::Impl*>(data)->start(name, atts);
+  static_cast<XmlSourceReader::Impl*>(data)->start(name, atts);
 }
 
 void XMLCALL OnEnd(void* data, const XML_Char*) {
-  static_cast<BglReader::Impl*>(data)->end();
+  static_cast<XmlSourceReader::Impl*>(data)->end();
 }
 
 // Entities declared in the file are the stuff of expansion attacks; BglComp has none.
 void XMLCALL OnEntityDecl(void* data, const XML_Char*, int, const XML_Char*, int, const XML_Char*,
                           const XML_Char*, const XML_Char*, const XML_Char*) {
-  static_cast<BglReader::Impl*>(data)->stop("declares entities, which airport files never do");
+  static_cast<XmlSourceReader::Impl*>(data)->stop(
+      "declares entities, which airport files never do");
 }
 
 // Expat knows UTF-8, UTF-16, ISO-8859-1 and US-ASCII itself; Windows-1252 comes from our table.
@@ -150,14 +151,14 @@ int XMLCALL OnUnknownEncoding(void*, const XML_Char* name, XML_Encoding* info) {
 
 }  // namespace
 
-const std::string* BglElement::attr(std::string_view key) const {
+const std::string* SourceElement::attr(std::string_view key) const {
   for (const auto& [k, v] : attrs) {
     if (k == key) return &v;
   }
   return nullptr;
 }
 
-BglReader::BglReader() : impl_(std::make_unique<Impl>()) {
+XmlSourceReader::XmlSourceReader() : impl_(std::make_unique<Impl>()) {
   XML_Parser p = impl_->parser;
   XML_SetUserData(p, impl_.get());
   XML_SetElementHandler(p, OnStart, OnEnd);
@@ -165,11 +166,11 @@ BglReader::BglReader() : impl_(std::make_unique<Impl>()) {
   XML_SetUnknownEncodingHandler(p, OnUnknownEncoding, nullptr);
 }
 
-BglReader::~BglReader() {
+XmlSourceReader::~XmlSourceReader() {
   XML_ParserFree(impl_->parser);
 }
 
-bool BglReader::feed(std::string_view bytes, bool last) {
+bool XmlSourceReader::feed(std::string_view bytes, bool last) {
   Impl& d = *impl_;
   if (!d.source.error.empty()) return false;
   if (d.parser == nullptr) {
@@ -202,25 +203,25 @@ bool BglReader::feed(std::string_view bytes, bool last) {
   return true;
 }
 
-BglSource BglReader::take() {
+SourceTree XmlSourceReader::take() {
   return std::move(impl_->source);
 }
 
-BglSource ParseBgl(std::string_view bytes) {
-  BglReader reader;
+SourceTree ParseXmlSource(std::string_view bytes) {
+  XmlSourceReader reader;
   reader.feed(bytes, true);
   return reader.take();
 }
 
-BglSource ReadBglFile(const std::filesystem::path& path) {
-  BglSource failed;
+SourceTree ReadXmlSource(const std::filesystem::path& path) {
+  SourceTree failed;
   std::FILE* file = nullptr;
   const OpenStatus status = OpenRegularFile(path, file);
   if (status != OpenStatus::kOpened) {
     failed.error = status == OpenStatus::kNotRegular ? "0: not a plain file" : "0: can't be read";
     return failed;
   }
-  BglReader reader;
+  XmlSourceReader reader;
   std::vector<char> buffer(1 << 20);
   std::uintmax_t total = 0;
   bool going = true;

@@ -5,7 +5,7 @@
 #include <iosfwd>
 #include <vector>
 
-#include "shell/import_write.h"
+#include "import/writer.h"
 
 namespace velmora {
 

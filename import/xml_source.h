@@ -14,32 +14,34 @@
 namespace velmora {
 
 // A kept element: attributes in source order, text in Windows-1252, and its kept children.
-struct BglElement {
+struct SourceElement {
   std::string name;
   std::vector<std::pair<std::string, std::string>> attrs;
-  std::vector<BglElement> children;
+  std::vector<SourceElement> children;
   std::uint64_t line = 0;  // where its start tag stands
   // The value of `key`, or null when the element lacks it.
   const std::string* attr(std::string_view key) const;
 };
 
-struct BglSource {
+struct SourceTree {
   // Airport, Ndb, Waypoint and Vor records at the top of the file, in file order.
-  std::vector<BglElement> records;
-  std::string error;  // "LINE: reason" when the file is not read; nothing of it counts then
+  std::vector<SourceElement> records;
+  // Why the file is not read ("LINE: reason", "offset N: reason", or "0: reason" for the whole
+  // file); nothing of it counts then.
+  std::string error;
   bool ok() const { return error.empty(); }
 };
 
 // Takes the source in pieces, so that a large file never has to be held whole.
-class BglReader {
+class XmlSourceReader {
  public:
-  BglReader();
-  ~BglReader();
-  BglReader(const BglReader&) = delete;
-  BglReader& operator=(const BglReader&) = delete;
+  XmlSourceReader();
+  ~XmlSourceReader();
+  XmlSourceReader(const XmlSourceReader&) = delete;
+  XmlSourceReader& operator=(const XmlSourceReader&) = delete;
   // False once the text has proved not well-formed or not readable.
   bool feed(std::string_view bytes, bool last);
-  BglSource take();
+  SourceTree take();
 
   struct Impl;  // the parser's state, seen by its callbacks
 
@@ -47,11 +49,11 @@ class BglReader {
   std::unique_ptr<Impl> impl_;
 };
 
-BglSource ParseBgl(std::string_view bytes);
+SourceTree ParseXmlSource(std::string_view bytes);
 
 // Sources larger than this are refused unread.
 inline constexpr std::uintmax_t kMaxSourceBytes = std::uintmax_t{512} << 20;
 // A file, read in pieces. Only regular files are read, never with a wait.
-BglSource ReadBglFile(const std::filesystem::path& path);
+SourceTree ReadXmlSource(const std::filesystem::path& path);
 
 }  // namespace velmora

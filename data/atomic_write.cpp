@@ -1,4 +1,4 @@
-#include "shell/atomic_write.h"
+#include "data/atomic_write.h"
 
 #include <cerrno>
 #include <random>

@@ -1,4 +1,4 @@
-#include "shell/vor_merge.h"
+#include "import/vor_merge.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -7,12 +7,12 @@
 #include <memory>
 #include <ostream>
 
+#include "data/atomic_write.h"
 #include "data/platform.h"
 #include "data/store.h"
 #include "data/vor.h"
 #include "geometry/coords.h"
-#include "shell/atomic_write.h"
-#include "shell/import_run.h"
+#include "import/run.h"
 
 namespace velmora {
 namespace {

@@ -1,4 +1,4 @@
-#include "shell/import_units.h"
+#include "import/units.h"
 
 #include <charconv>
 #include <cmath>
