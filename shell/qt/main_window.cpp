@@ -326,7 +326,7 @@ void MainWindow::dropEvent(QDropEvent* event) {
   event->acceptProposedAction();
   setWindowTitle("Velmora - importing...");
   std::ostringstream messages;
-  const ImportResult result = RunImport({dataDir_, paths}, messages);
+  const ImportResult result = RunImport(SourcesImport(dataDir_, paths), messages);
   std::string caption = "Imported " + result.summary;
   // A failure is named by the first message; velmora-import on a terminal tells them all.
   if (result.status != 0) {
