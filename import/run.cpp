@@ -121,9 +121,9 @@ std::string Counted(int n, std::string_view one, std::string_view many) {
 
 std::string ImportUsage() {
   return "usage: velmora-import [--data DIR] SOURCE...\n"
-         "  reads BglComp XML airport files (SOURCE: files, or folders searched for .xml "
-         "files),\n  writes them into DIR/FSXFiles in the layout the chart reads, adds their "
-         "VORs to\n  DIR/vor.nav and rebuilds DIR/Arpt index.txt\n";
+         "  reads BglComp XML and compiled BGL airport files (SOURCE: files, or folders\n"
+         "  searched for .xml and .bgl files), writes them into DIR/FSXFiles in the layout the\n"
+         "  chart reads, adds their VORs to DIR/vor.nav and rebuilds DIR/Arpt index.txt\n";
 }
 
 std::optional<ImportOptions> ParseImportArgs(const std::vector<std::string>& args,
@@ -171,6 +171,7 @@ std::vector<Source> ReadSources(const std::vector<std::filesystem::path>& files,
       ++result.skipped;
       continue;
     }
+    for (const std::string& note : parsed.notes) err << PathToUtf8(file) << ": " << note << '\n';
     Source s{file, "", ConvertSource(parsed, PathToUtf8(file))};
     for (const std::string& w : s.converted.warnings) err << w << '\n';
     if (!s.converted.airports.empty()) s.name = TargetName(file, taken);

@@ -12,7 +12,7 @@ namespace velmora {
 
 struct ImportOptions {
   std::filesystem::path dataDir;
-  std::vector<std::filesystem::path> sources;  // files, or folders searched for .xml files
+  std::vector<std::filesystem::path> sources;  // files, or folders searched for .xml and .bgl files
 };
 
 // Empty result and a message on `err` for a command line that can't be run.

@@ -1,16 +1,26 @@
 #include "import/source_file.h"
 
+#include "import/bgl_file.h"
+
 #include "data/platform.h"
 #include "data/text.h"
 
 namespace velmora {
 
+namespace {
+
+bool IsBgl(const std::filesystem::path& path) {
+  return AsciiLowerCase(PathToUtf8(path.extension())) == ".bgl";
+}
+
+}  // namespace
+
 bool IsSourceFile(const std::filesystem::path& path) {
-  return AsciiLowerCase(PathToUtf8(path.extension())) == ".xml";
+  return AsciiLowerCase(PathToUtf8(path.extension())) == ".xml" || IsBgl(path);
 }
 
 SourceTree ReadSourceFile(const std::filesystem::path& path) {
-  return ReadXmlSource(path);
+  return IsBgl(path) ? ReadBglFile(path) : ReadXmlSource(path);
 }
 
 std::string SourceProblem(const std::filesystem::path& path, const SourceTree& tree) {
