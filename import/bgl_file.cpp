@@ -191,6 +191,20 @@ std::string Trimmed(double v, int decimals) {
   return s;
 }
 
+// A runway's length or width: feet when it is a whole number of them (the source wrote feet,
+// which the importer turns into metres with one decimal), else metres as decompilers write
+// them, the shortest text of the float with at least one decimal.
+std::string RunwayLength(float v) {
+  if (!std::isfinite(v)) return "0M";
+  const double feet = v / 0.3048;
+  if (feet >= 1 && std::fabs(feet - std::round(feet)) < feet * 1.2e-7 + 1e-4) {
+    return Trimmed(std::round(feet), 0) + "F";
+  }
+  std::string m = Short(v);
+  if (m.find_first_of(".e") == std::string::npos) m += ".0";
+  return m + "M";
+}
+
 std::string Metres(float v, int decimals) {
   return std::isfinite(v) ? Fixed(v, decimals) + "M" : std::string("0M");
 }
@@ -557,8 +571,8 @@ SourceElement Reader::runway(const Record& r) {
   AddPosition(e, r, 0x14, true);
   Add(e, "surface", Named(kSurfaces, r.u16(6) & 0x7F));
   Add(e, "heading", Short(r.f32(0x28)));
-  Add(e, "length", Metres(r.f32(0x20), 1));
-  Add(e, "width", Metres(r.f32(0x24), 1));
+  Add(e, "length", RunwayLength(r.f32(0x20)));
+  Add(e, "width", RunwayLength(r.f32(0x24)));
   Add(e, "number", RunwayNumber(r.u8(8)));
   Add(e, "designator", Named(kDesignators, r.u8(9)));
   Add(e, "patternAltitude", Metres(r.f32(0x2C), 1));
@@ -758,7 +772,15 @@ void Reader::placeIls(SourceElement ils, std::uint32_t identCode, std::uint32_t 
     else if (hasLoc && w.secondaryNumber == locNumber && w.secondaryDesignator == locDesignator) end = "SECONDARY";
     if (end.empty()) continue;
     ils.attrs.insert(ils.attrs.begin(), {"end", end});
-    a->element.children[w.child].children.push_back(std::move(ils));
+    // The primary end's ILS first, as sources list them; the file keeps them by place.
+    auto& kids = a->element.children[w.child].children;
+    const auto at = end == "PRIMARY" ? std::find_if(kids.begin(), kids.end(),
+                                                    [](const SourceElement& k) {
+                                                      const std::string* e = k.attr("end");
+                                                      return e && *e == "SECONDARY";
+                                                    })
+                                     : kids.end();
+    kids.insert(at, std::move(ils));
     return;
   }
   a->element.children.push_back(std::move(ils));  // an ILS of no runway stands in the airport

@@ -70,6 +70,7 @@ std::string IndexableName(const std::filesystem::path& name) {
 // the characters the index can't name, and unique within one import.
 std::string TargetName(const std::filesystem::path& source, std::vector<std::string>& taken) {
   std::string stem = IndexableName(source.stem()), ext = IndexableName(source.extension());
+  if (AsciiLowerCase(ext) == ".bgl") ext = ".xml";  // what is written is text
   for (std::string* s : {&stem, &ext}) {
     for (const char c : {' ', ';', '?'}) std::replace(s->begin(), s->end(), c, '_');
   }
