@@ -1,8 +1,6 @@
 #include "import/library_state.h"
 
-#include <fstream>
-#include <iterator>
-
+#include "data/files.h"
 #include "data/platform.h"
 #include "data/text.h"
 
@@ -11,6 +9,8 @@ namespace {
 
 constexpr std::string_view kHeading = "velmora library import 1\n";
 constexpr std::string_view kOutput = "out\t";
+// Far more than the lines of the largest library; a larger file is no state of ours.
+constexpr std::uintmax_t kMaxStateBytes = std::uintmax_t{64} << 20;
 
 // Size and modification time; a file that can't be asked gives zeros, which no file has.
 std::string Stamp(const std::filesystem::path& p) {
@@ -46,9 +46,10 @@ std::string LibraryStateText(const LibraryState& state) {
 }
 
 std::optional<LibraryState> ReadLibraryState(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  if (!in.eof() || !text.starts_with(kHeading)) return std::nullopt;
+  std::string text, reason;
+  if (!ReadSmallFile(file, kMaxStateBytes, text, reason) || !text.starts_with(kHeading)) {
+    return std::nullopt;
+  }
   LibraryState state;
   for (const std::string_view line : Split(std::string_view(text).substr(kHeading.size()), '\n')) {
     if (line.empty()) continue;

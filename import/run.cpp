@@ -84,6 +84,7 @@ std::string IndexableName(const std::filesystem::path& name) {
 // the characters the index can't name, and unique within one import.
 std::string TargetName(const std::filesystem::path& source, std::vector<std::string>& taken) {
   std::string stem = IndexableName(source.stem()), ext = IndexableName(source.extension());
+  if (AsciiLowerCase(ext) == ".bgl") ext = ".xml";  // what is written is text
   for (std::string* s : {&stem, &ext}) {
     for (const char c : {' ', ';', '?'}) std::replace(s->begin(), s->end(), c, '_');
   }
@@ -208,6 +209,15 @@ class Progress {
   bool cancelled_ = false;
 };
 
+// The source converted, with the reader's notes on it first among the warnings.
+ConvertedSource Converted(const SourceTree& tree, const std::filesystem::path& file) {
+  ConvertedSource c = ConvertSource(tree, PathToUtf8(file));
+  for (auto it = tree.notes.rbegin(); it != tree.notes.rend(); ++it) {
+    c.warnings.insert(c.warnings.begin(), PathToUtf8(file) + ": " + *it);
+  }
+  return c;
+}
+
 // Each source read once: whole, or where the reader can pass over airports cheaply, only what
 // the other files need of it (navaids, VORs, airport idents), to be read whole when written.
 std::vector<Source> ReadSources(const std::vector<Input>& inputs,
@@ -229,7 +239,7 @@ std::vector<Source> ReadSources(const std::vector<Input>& inputs,
       ++result.skipped;
       continue;
     }
-    Source s{inputs[i], "", ConvertSource(parsed, PathToUtf8(file)), parsed.outline};
+    Source s{inputs[i], "", Converted(parsed, file), parsed.outline};
     for (const std::string& w : s.converted.warnings) err << w << '\n';
     sources.push_back(std::move(s));
   }
@@ -266,7 +276,13 @@ void WriteAirportFiles(std::vector<Source>& sources, const std::filesystem::path
     if (s.converted.airports.empty()) continue;
     ConvertedSource whole;
     if (s.outline) {
-      whole = ConvertSource(ReadSourceFile(s.input.path), PathToUtf8(s.input.path));
+      const SourceTree tree = ReadSourceFile(s.input.path);
+      if (!tree.ok()) {
+        err << SourceProblem(s.input.path, tree) << " - nothing of it imported\n";
+        ++result.skipped;
+        continue;
+      }
+      whole = Converted(tree, s.input.path);
       std::erase_if(whole.airports, [&](const AirportText& a) {
         return std::none_of(s.converted.airports.begin(), s.converted.airports.end(),
                             [&](const AirportText& kept) { return kept.ident == a.ident; });
@@ -353,8 +369,9 @@ void ReadLibrary(const ImportOptions& options, Library& library, ImportResult& r
   for (const std::string& p : library.parsed.problems) err << label << ':' << p << '\n';
   std::ostringstream told;
   library.folders = FindLibraryFolders(library.parsed, options.simDir, label, told);
-  err << told.str();
-  const auto missing = std::count(told.str().begin(), told.str().end(), '\n');
+  const std::string skipped = told.str();
+  err << skipped;
+  const auto missing = std::count(skipped.begin(), skipped.end(), '\n');
   result.skipped += static_cast<int>(library.parsed.problems.size() + missing);
   library.ok = true;
 }
@@ -367,26 +384,32 @@ std::vector<Input> LibraryInputs(const Library& library) {
   return inputs;
 }
 
-// The staged files into FSXFiles, and the last library import's files that this one did not
-// write again out of it.
+// The staged files into FSXFiles; the last library import's files that this one did not write
+// again go too, or where `removeOld` is false stay listed for the next import.
 void Publish(const std::vector<Source>& sources, const std::filesystem::path& staging,
              const std::filesystem::path& folder, const std::vector<std::string>& before,
-             std::vector<std::string>& written, ImportResult& result, std::ostream& err) {
+             bool removeOld, std::vector<std::string>& written, ImportResult& result,
+             std::ostream& err) {
   for (const Source& s : sources) {
     if (s.name.empty()) continue;
-    const std::error_code ec =
-        RenameOver(staging / PathFromUtf8(s.name), folder / PathFromUtf8(s.name));
+    const auto target = folder / PathFromUtf8(s.name);
+    const std::error_code ec = RenameOver(staging / PathFromUtf8(s.name), target);
     if (ec) {
-      err << PathToUtf8(folder / PathFromUtf8(s.name)) << ": " << ec.message() << '\n';
+      err << PathToUtf8(target) << ": " << ec.message() << '\n';
       ++result.skipped;
       continue;
     }
     written.push_back(s.name);
   }
+  const std::size_t fresh = written.size();
   for (const std::string& old : before) {
+    if (std::find(written.begin(), written.begin() + fresh, old) != written.begin() + fresh)
+      continue;
     std::error_code ec;
-    if (std::find(written.begin(), written.end(), old) == written.end()) {
+    if (removeOld) {
       std::filesystem::remove(folder / PathFromUtf8(old), ec);
+    } else {
+      written.push_back(old);  // still the library's, to go at the next whole import
     }
   }
 }
@@ -430,6 +453,12 @@ ImportResult RunImport(const ImportOptions& options, std::ostream& err) {
   const bool sim = !options.simDir.empty();
   Library library;
   if (sim) ReadLibrary(options, library, result, err);
+  if (sim && !library.ok) {
+    result.status = 1;
+    result.summary = "nothing imported";
+    err << result.summary << '\n';
+    return result;
+  }
   const std::vector<Input> inputs =
       sim ? LibraryInputs(library) : NamedInputs(options, result, err);
   const std::filesystem::path folder = options.dataDir / kAirportFolder;
@@ -468,8 +497,10 @@ ImportResult RunImport(const ImportOptions& options, std::ostream& err) {
     err << result.summary << '\n';
     return result;
   }
+  // Files of the last import stay while a part of the library could not be read: an unplugged
+  // disk should not take a pilot's airports away.
   Publish(sources, staging, folder, before ? before->outputs : std::vector<std::string>{},
-          state.outputs, result, err);
+          result.skipped == 0, state.outputs, result, err);
   std::filesystem::remove_all(staging, ec);
   Finish(options, sources, library.ok ? &state : nullptr, result, err);
   return result;

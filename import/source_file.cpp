@@ -2,15 +2,28 @@
 
 #include "data/platform.h"
 #include "data/text.h"
+#include "import/bgl_file.h"
 
 namespace velmora {
 
-bool IsSourceFile(const std::filesystem::path& path) {
-  return AsciiLowerCase(PathToUtf8(path.extension())) == ".xml";
+namespace {
+
+bool IsBgl(const std::filesystem::path& path) {
+  return AsciiLowerCase(PathToUtf8(path.extension())) == ".bgl";
 }
 
-SourceTree ReadSourceFile(const std::filesystem::path& path, SourceDetail) {
-  return ReadXmlSource(path);
+}  // namespace
+
+bool IsSourceFile(const std::filesystem::path& path) {
+  return AsciiLowerCase(PathToUtf8(path.extension())) == ".xml" || IsBgl(path);
+}
+
+SourceTree ReadSourceFile(const std::filesystem::path& path, SourceDetail detail) {
+  if (!IsBgl(path)) return ReadXmlSource(path);
+  const bool outline = detail == SourceDetail::kOutline;
+  SourceTree tree = ReadBglFile(path, outline ? BglDetail::kOutline : BglDetail::kFull);
+  tree.outline = outline;
+  return tree;
 }
 
 std::string SourceProblem(const std::filesystem::path& path, const SourceTree& tree) {

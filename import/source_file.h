@@ -1,6 +1,7 @@
 #pragma once
 // The kinds of airport source the import reads, told apart by their extension in any letter
-// case: BglComp XML (".xml"), and what the one reader for each kind made of a file.
+// case: BglComp XML (".xml") and compiled BGL (".bgl"), and what the one reader for each kind
+// made of a file.
 
 #include <filesystem>
 #include <string>

@@ -29,6 +29,9 @@ struct SourceTree {
   // Why the file is not read ("LINE: reason", "offset N: reason", or "0: reason" for the whole
   // file); nothing of it counts then.
   std::string error;
+  // What a user should know about a file that was read (records of unknown kinds passed over),
+  // one line each, without the file's name.
+  std::vector<std::string> notes;
   bool ok() const { return error.empty(); }
   bool outline = false;  // airports without their children: read again whole to write them
 };
