@@ -26,6 +26,8 @@ inline constexpr int kApproachLegs = 30;
 inline constexpr std::string_view kBigFileName = "big.txt";
 inline constexpr int kWorldAirports = 30000;  // in velmora-index's world
 inline constexpr int kImportAirports = 2000;  // in velmora-import's source
+// The generated scenery library: 30 areas of 10 files of 80 airports.
+inline constexpr int kLibraryAirports = 30 * 10 * 80;
 
 struct Data {
   // Laid out like the program's own folder: index, VOR list, FSXFiles.

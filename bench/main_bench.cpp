@@ -217,11 +217,30 @@ void ImportRows() {
   CountRow("  imported airports that load", "import_loaded", "%.0f", kImportAirports);
 }
 
+void LibraryRows() {
+  RateRow("library import (--sim) vs a plain read", "BM_LibraryImport", "BM_LibraryRead", 0.2);
+  const auto airports = Recorded("library_airports");
+  const auto seconds = Quotient(Recorded("BM_LibraryImport"), 1e9);
+  Row("  airports imported a second", Shown("%.0f/s", Quotient(airports, seconds)), "",
+      std::nullopt, kInfo);
+  CountRow("  airports imported", "library_airports", "%.0f", kLibraryAirports);
+  RateRow("  unchanged second import vs the first", "BM_LibraryUnchanged", "BM_LibraryImport", 20);
+  // Goal: twice the largest file plus 64 MB.
+  const auto peak = Recorded("library_peak_bytes"), largest = Recorded("library_largest_file");
+  const auto bound = largest ? std::optional(2 * *largest + 64e6) : std::nullopt;
+  const auto ratio = Quotient(peak, bound);
+  Row("  its peak memory vs 2 x largest file + 64 MB", Shown("%.1f MB", Quotient(peak, 1e6)),
+      Shown("%.1f MB", Quotient(bound, 1e6)), ratio, AtMost(ratio, 1.0));
+  Row("  the library's size", Shown("%.1f MB", Quotient(Recorded("library_bytes"), 1e6)), "",
+      std::nullopt, kInfo);
+}
+
 void Summary(const Data& d) {
   DataLines(d);
   ReaderRows();
   DrawingRows();
   ImportRows();
+  LibraryRows();
 }
 
 }  // namespace

@@ -79,7 +79,8 @@ std::string Text(const std::filesystem::path& file) {
 std::map<std::string, std::string> Snapshot(const std::filesystem::path& folder) {
   std::map<std::string, std::string> files;
   for (const auto& e : std::filesystem::recursive_directory_iterator(folder)) {
-    if (e.is_regular_file()) files[PathToUtf8(e.path().lexically_relative(folder))] = Text(e.path());
+    if (e.is_regular_file())
+      files[PathToUtf8(e.path().lexically_relative(folder))] = Text(e.path());
   }
   return files;
 }
