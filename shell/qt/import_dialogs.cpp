@@ -29,13 +29,14 @@ ImportResult RunImportWithProgress(QWidget* parent, ImportOptions options, std::
   bar.setMinimumDuration(0);
   bar.setValue(0);
   options.progress = [&bar](const ImportProgress& p) {
-    bar.setMaximum(std::max(p.total, 1));
-    bar.setValue(p.done);
+    // The text first: a modal bar lets events through as its value is set.
     bar.setLabelText(
         QString("%1 file %2 of %3")
             .arg(QString::fromUtf8(p.step.data(), static_cast<qsizetype>(p.step.size())))
             .arg(p.done + 1)
             .arg(p.total));
+    bar.setMaximum(std::max(p.total, 1));
+    bar.setValue(p.done);
     QCoreApplication::processEvents();
     return !bar.wasCanceled();
   };
