@@ -139,7 +139,7 @@ TEST(WindowImport, CtrlIImportsTheSimulatorsLibraryUnderAProgressBar) {
   QTest::keyClick(&w, Qt::Key_I, Qt::ControlModifier);
   EXPECT_TRUE(seen.shown);
   EXPECT_EQ(seen.maximum, 2);
-  EXPECT_EQ(seen.label.toStdString(), "Reading file 1 of 2");
+  EXPECT_EQ(seen.label.toStdString(), "Reading file 2 of 2");
   EXPECT_EQ(w.windowTitle().toStdString(),
             "Imported 2 airports, 0 approaches in 2 files, 0 files skipped");
   QTest::keyClicks(w.findChild<QWidget*>("txtSearch"), "XBBB");
