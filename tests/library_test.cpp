@@ -129,7 +129,7 @@ TEST(SceneryLibrary, FindsFoldersInAnyLetterCaseInLayerOrder) {
   const auto folders = FindLibraryFolders(lib, sim, "scenery.cfg", err);
   ASSERT_EQ(folders.size(), 2u);
   EXPECT_EQ(folders[0].area->title, "Low");
-  EXPECT_EQ(folders[0].scenery, sim / "Scenery/World/scenery");
+  EXPECT_TRUE(std::filesystem::equivalent(folders[0].scenery, sim / "Scenery/World/scenery"));
   EXPECT_EQ(folders[1].area->title, "High");
   ASSERT_EQ(folders[1].files.size(), 2u);
   EXPECT_EQ(folders[1].files[0].filename(), "a.bgl");
@@ -139,6 +139,9 @@ TEST(SceneryLibrary, FindsFoldersInAnyLetterCaseInLayerOrder) {
 }
 
 TEST(SceneryLibrary, FindsWindowsPathsOfAWinePrefix) {
+  if (std::filesystem::path("C:/").is_absolute()) {
+    GTEST_SKIP() << "on Windows a drive letter names a real drive, not a Wine prefix's";
+  }
   TempDir dir;
   const auto driveC = dir.path() / "prefix" / "drive_c";
   const auto sim = driveC / "Program Files" / "FSX";
@@ -151,8 +154,8 @@ TEST(SceneryLibrary, FindsWindowsPathsOfAWinePrefix) {
   std::ostringstream err;
   const auto folders = FindLibraryFolders(lib, sim, "cfg", err);
   ASSERT_EQ(folders.size(), 2u);
-  EXPECT_EQ(folders[0].scenery, sim / "Scenery/Base/scenery");
-  EXPECT_EQ(folders[1].scenery, driveC / "Addon/LEAR/scenery");
+  EXPECT_TRUE(std::filesystem::equivalent(folders[0].scenery, sim / "Scenery/Base/scenery"));
+  EXPECT_TRUE(std::filesystem::equivalent(folders[1].scenery, driveC / "Addon/LEAR/scenery"));
   EXPECT_EQ(err.str(),
             "cfg:9: area \"Other drive\": Local=D:\\Addon names a Windows drive that is not here"
             " - skipped\n");
@@ -204,7 +207,7 @@ TEST(SceneryLibrary, FindsTheFileWhereTheSimulatorKeepsIt) {
       EXPECT_FALSE(found.has_value());
     } else {
       ASSERT_TRUE(found.has_value());
-      EXPECT_EQ(*found, dir.path() / c.expected);
+      EXPECT_TRUE(std::filesystem::equivalent(*found, dir.path() / c.expected));
     }
   }
 }
