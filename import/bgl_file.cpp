@@ -936,6 +936,12 @@ SourceTree ReadBglFile(const std::filesystem::path& path, BglDetail detail) {
     failed.error = status == OpenStatus::kNotRegular ? "0: not a plain file" : "0: can't be read";
     return failed;
   }
+  std::error_code ec;
+  if (std::filesystem::file_size(path, ec) > kMaxSourceBytes && !ec) {
+    std::fclose(file);
+    failed.error = "0: larger than 512 MB - not read";
+    return failed;
+  }
   std::string bytes;
   std::vector<char> buffer(1 << 20);
   for (;;) {

@@ -376,3 +376,370 @@ TEST(BglReal, TheChartOfEveryApproachIsTheXmlsChart) {
 
 }  // namespace
 }  // namespace velmora
+
+namespace velmora {
+namespace {
+
+using namespace velmora::test;
+
+// One airport with every record the chart uses, ILS, VOR and navaids inside and outside it.
+BglFileSpec Sample(BglFormat format) {
+  BglFileSpec f;
+  f.format = format;
+  BglAirportSpec a;
+  a.ident = "KXYZ";
+  a.region = "K1";
+  a.name = "Caf\xC3\xA9 Field";  // UTF-8: comes out as Windows-1252
+  a.country = "United States";
+  a.state = "Illinois";
+  a.city = "Testville";
+  a.lat = 41.5;
+  a.lon = -89.25;
+  a.altMm = 200000;
+  a.magvar = -3.5;
+  BglRunwaySpec r;
+  r.number = 9;
+  r.designator = 1;
+  r.secondaryNumber = 27;
+  r.secondaryDesignator = 2;
+  r.primaryIls = "IXYZ";
+  r.lat = 41.5;
+  r.lon = -89.25;
+  r.length = 1828.8f;  // 6000 ft
+  r.width = 45.05f;
+  r.heading = 90;
+  a.runways.push_back(r);
+  a.starts.push_back({9, 1, 1, 41.5, -89.26, 200000, 90});
+  a.starts.push_back({27, 2, 1, 41.5, -89.24, 200000, 270});
+  a.coms.push_back({6, 118300000, "XYZ TOWER"});
+  BglApproachSpec ap;
+  ap.type = 4;
+  ap.runway = 9;
+  ap.designator = 1;
+  ap.fixType = 9;
+  ap.fixIdent = "RW09L";
+  ap.heading = 90;
+  BglLegSpec l1;
+  l1.type = 15;
+  l1.fixType = 5;
+  l1.fixIdent = "ABCDE";
+  l1.fixRegion = "K1";
+  l1.altitude1 = 914.4f;  // 3000 ft
+  BglLegSpec l2;
+  l2.type = 4;
+  l2.fixType = 9;
+  l2.fixIdent = "RW09L";
+  l2.fixRegion = "K1";
+  l2.recommendedType = 8;
+  l2.recommendedIdent = "IXYZ";
+  l2.recommendedAirport = "KXYZ";
+  l2.course = 92.5f;
+  l2.rho = 9262.37f;  // 5 nm as BglComp stores them
+  l2.altitude2 = 609.6f;
+  ap.legs = {l1, l2};
+  BglLegSpec m;
+  m.type = 8;
+  m.flags = 1;
+  m.fixType = 9;
+  m.fixIdent = "RW09L";
+  m.course = 90;
+  ap.missed = {m};
+  BglTransitionSpec t;
+  t.fixType = 3;
+  t.fixIdent = "XN";
+  t.legs = {l1};
+  BglTransitionSpec arc;
+  arc.type = 2;
+  arc.fixType = 5;
+  arc.fixIdent = "ARCFX";
+  arc.dmeIdent = "XV";
+  arc.dmeRadial = 270;
+  arc.dmeDistance = 18524.7f;
+  ap.transitions = {t, arc};
+  a.approaches.push_back(ap);
+  f.airports.push_back(a);
+  BglNavaidSpec ils;
+  ils.type = 4;
+  ils.flags = 0x19;
+  ils.ident = "IXYZ";
+  ils.airport = "KXYZ";
+  ils.hz = 110350000;
+  ils.name = "ILS 09L";
+  ils.localizer = true;
+  ils.locRunway = 9;
+  ils.locDesignator = 1;
+  ils.locHeading = 90.5f;
+  ils.glideSlope = true;
+  ils.dme = true;
+  BglNavaidSpec vor;
+  vor.ident = "XV";
+  vor.region = "K1";
+  vor.hz = 113000000;
+  vor.name = "X VOR";
+  vor.lat = 41.6;
+  vor.lon = -89.3;
+  f.navaids = {ils, vor};
+  f.ndbs.push_back({1, 350000, 41.4, -89.2, 0, 0, 0, "XN", "K1", "KXYZ", "X NDB"});
+  f.ndbs.push_back({1, 400000, 42.4, -89.2, 0, 0, 0, "YN", "K1", "", "Y NDB"});
+  f.waypoints.push_back({1, 41.45, -89.35, 0, "ABCDE", "K1", ""});
+  f.waypoints.push_back({6, 41.46, -89.36, 0, "FAF09", "K1", "KXYZ"});
+  return f;
+}
+
+const SourceElement* Child(const SourceElement& e, std::string_view name, int nth = 0) {
+  for (const SourceElement& c : e.children) {
+    if (c.name == name && nth-- == 0) return &c;
+  }
+  return nullptr;
+}
+
+std::string Attr(const SourceElement* e, std::string_view key) {
+  if (e == nullptr) return "(no element)";
+  const std::string* v = e->attr(key);
+  return v ? *v : "(none)";
+}
+
+struct VariantCase {
+  std::string name;
+  BglFormat format;
+};
+
+TEST(BglBytes, EveryRecordVariantReadsAsItsXmlWould) {
+  const std::vector<VariantCase> cases = {
+      {"FSX 0x3C, 0x24, 0x2C", BglFormat::kFsx},
+      {"P3D v5 0xAB, 0x24, 0x2C", BglFormat::kP3dV5},
+      {"P3D v6 0xAB, 0xB6, 0xB7", BglFormat::kP3dV6},
+  };
+  for (const VariantCase& c : cases) {
+    SCOPED_TRACE(c.name);
+    const BglBuilt built = BuildBgl(Sample(c.format));
+    const SourceTree t = ParseBgl(built.bytes);
+    ASSERT_TRUE(t.ok()) << t.error;
+    EXPECT_TRUE(t.notes.empty());
+    ASSERT_EQ(t.records.size(), 4u);  // the airport, the VOR, the NDB and waypoint outside it
+    const SourceElement& a = t.records[0];
+    const std::vector<std::pair<std::string, std::string>> airport = {
+        {"ident", "KXYZ"},      {"name", "Caf\xE9 Field"}, {"country", "United States"},
+        {"state", "Illinois"},  {"city", "Testville"},     {"lat", "41.4999998733401"},
+        {"lon", "-89.2499998211861"}, {"alt", "200M"},     {"magvar", "-3.5"}};
+    for (const auto& [key, value] : airport) EXPECT_EQ(Attr(&a, key), value) << key;
+    EXPECT_EQ(CoordinateValue(Attr(&a, "lat"), true).text, "N41 30.00");  // 1.3e-7 deg: 1.4 cm
+    EXPECT_EQ(CoordinateValue(Attr(&a, "lon"), false).text, "W089 15.00");
+    const SourceElement* rwy = Child(a, "Runway");
+    EXPECT_EQ(Attr(rwy, "number"), "09");
+    EXPECT_EQ(Attr(rwy, "designator"), "LEFT");
+    EXPECT_EQ(Attr(rwy, "length"), "6000F");
+    EXPECT_EQ(Attr(rwy, "width"), "45.05M");
+    EXPECT_EQ(Attr(rwy, "surface"), "ASPHALT");
+    const SourceElement* ils = rwy ? Child(*rwy, "Ils") : nullptr;
+    EXPECT_EQ(Attr(ils, "end"), "PRIMARY");
+    EXPECT_EQ(Attr(ils, "ident"), "IXYZ");
+    EXPECT_EQ(Attr(ils, "frequency"), "110.350");
+    EXPECT_EQ(Attr(ils, "heading"), "90.5");
+    EXPECT_EQ(Attr(ils, "name"), "ILS 09L");
+    EXPECT_EQ(Attr(Child(a, "Start", 1), "number"), "27");
+    EXPECT_EQ(Attr(Child(a, "Start", 1), "designator"), "RIGHT");
+    EXPECT_EQ(Attr(Child(a, "Com"), "frequency"), "118.3000");
+    EXPECT_EQ(Attr(Child(a, "Com"), "type"), "TOWER");
+    EXPECT_EQ(Attr(Child(a, "Com"), "name"), "XYZ TOWER");
+    EXPECT_EQ(Attr(Child(a, "Ndb"), "ident"), "XN");
+    EXPECT_EQ(Attr(Child(a, "Ndb"), "frequency"), "0350.00");
+    EXPECT_EQ(Attr(Child(a, "Waypoint"), "waypointIdent"), "FAF09");
+    const SourceElement* ap = Child(a, "Approach");
+    EXPECT_EQ(Attr(ap, "type"), "ILS");
+    EXPECT_EQ(Attr(ap, "runway"), "09");
+    EXPECT_EQ(Attr(ap, "designator"), "LEFT");
+    EXPECT_EQ(Attr(ap, "fixIdent"), "RW09L");
+    EXPECT_EQ(Attr(ap, "fixType"), "RUNWAY");
+    ASSERT_NE(ap, nullptr);
+    const SourceElement* legs = Child(*ap, "ApproachLegs");
+    ASSERT_NE(legs, nullptr);
+    ASSERT_EQ(legs->children.size(), 2u);
+    const SourceElement& l1 = legs->children[0];
+    const SourceElement& l2 = legs->children[1];
+    EXPECT_EQ(Attr(&l1, "type"), "IF");
+    EXPECT_EQ(Attr(&l1, "fixIdent"), "ABCDE");
+    EXPECT_EQ(Attr(&l1, "fixType"), "WAYPOINT");
+    EXPECT_EQ(Attr(&l1, "fixRegion"), "K1");
+    EXPECT_EQ(Attr(&l1, "altitude1"), "3000F");
+    EXPECT_EQ(Attr(&l1, "magneticCourse"), "(none)") << "an IF leg has no course";
+    EXPECT_EQ(Attr(&l2, "magneticCourse"), "92.5");
+    EXPECT_EQ(Attr(&l2, "rho"), "9262.37M");
+    EXPECT_EQ(RhoValue(Attr(&l2, "rho")).text, "10267.6");  // 5 nm of 1852.47 m: DME 5
+    EXPECT_EQ(Attr(&l2, "altitude2"), "2000F");
+    EXPECT_EQ(Attr(&l2, "recommendedIdent"), "IXYZ");
+    EXPECT_EQ(Attr(&l2, "recommendedType"), "LOCALIZER");
+    const SourceElement* missed = Child(*ap, "MissedApproachLegs");
+    ASSERT_NE(missed, nullptr);
+    EXPECT_EQ(Attr(&missed->children.at(0), "trueCourse"), "90");
+    const SourceElement* tr = Child(*ap, "Transition");
+    EXPECT_EQ(Attr(tr, "fixType"), "NDB");
+    EXPECT_EQ(Attr(tr, "fixIdent"), "XN");
+    EXPECT_EQ(Attr(tr, "transitionType"), "FULL");
+    ASSERT_NE(tr, nullptr);
+    EXPECT_EQ(Child(*tr, "TransitionLegs")->children.size(), 1u);
+    const SourceElement* dme = Child(*ap, "Transition", 1);
+    EXPECT_EQ(Attr(dme, "transitionType"), "DME");
+    EXPECT_EQ(Attr(dme, "fixIdent"), "ARCFX");
+    EXPECT_EQ(Attr(dme, "dmeArcIdent"), "XV");
+    EXPECT_EQ(Attr(dme, "dmeArcRadial"), "270");
+    EXPECT_EQ(t.records[1].name, "Vor");
+    EXPECT_EQ(Attr(&t.records[1], "frequency"), "113.000");
+    EXPECT_EQ(Attr(&t.records[1], "type"), "LOW");
+    EXPECT_EQ(t.records[2].name, "Ndb");
+    EXPECT_EQ(Attr(&t.records[2], "ident"), "YN");
+    EXPECT_EQ(t.records[3].name, "Waypoint");
+    EXPECT_EQ(Attr(&t.records[3], "waypointIdent"), "ABCDE");
+
+    const SourceTree outline = ParseBgl(built.bytes, BglDetail::kOutline);
+    ASSERT_TRUE(outline.ok());
+    ASSERT_EQ(outline.records.size(), 6u) << "navaids of the airport stand on their own";
+    EXPECT_TRUE(outline.records[0].children.empty());
+    EXPECT_EQ(outline.records[0].attrs.size(), 3u);
+  }
+}
+
+TEST(BglBytes, TheDocumentedRunwayRecordAndUnknownRecords) {
+  BglFileSpec f = Sample(BglFormat::kFsx);
+  f.airports[0].runways[0].documented04 = true;
+  f.airports[0].extra = {{0x99, std::string(10, '\0')}, {0x99, ""}, {0x1A, std::string(4, 'x')}};
+  f.extraAirportSectionRecords = {{0x03, std::string(50, '\0')}};
+  const SourceTree t = ParseBgl(BuildBgl(f).bytes);
+  ASSERT_TRUE(t.ok()) << t.error;
+  EXPECT_EQ(Attr(Child(t.records[0], "Runway"), "length"), "6000F");
+  EXPECT_EQ(Attr(Child(*Child(t.records[0], "Runway"), "Ils"), "ident"), "IXYZ");
+  ASSERT_EQ(t.notes.size(), 1u);
+  EXPECT_EQ(t.notes[0],
+            "3 records of a kind this reader doesn't know passed over (airport 0x99 x2, airport "
+            "section 0x3) - what it holds is not imported");
+}
+
+TEST(BglBytes, IdentsAndCoordinates) {
+  EXPECT_EQ(BglTaggedIdent(0x0273C1A1), "LEAR");
+  EXPECT_EQ(BglTaggedIdent(0x51551966), "IF25N");
+  EXPECT_EQ(BglRegion(0x9CF06B7A), "LE");
+  EXPECT_EQ(BglRegionAirport(0x9CF06B7A), "LEAR");
+  EXPECT_EQ(BglIdent(700499), "AR25");
+  EXPECT_EQ(BglIdent(0), "");
+  EXPECT_NEAR(BglLongitude(0x178B7463), -3.41441497206688, 1e-9);
+  EXPECT_NEAR(BglLatitude(0x08D7B6B8), 40.2601960301399, 1e-9);
+  for (double lat : {-90.0, -45.123456, 0.0, 89.9999}) {
+    EXPECT_NEAR(BglLatitude(BglLatRaw(lat)), lat, 1.7e-7);
+  }
+  for (double lon : {-180.0, -3.4, 0.0, 179.9999}) {
+    EXPECT_NEAR(BglLongitude(BglLonRaw(lon)), lon, 2.3e-7);
+  }
+}
+
+// A record that nests `depth` approaches in each other.
+std::string Nested(int depth) {
+  std::string r;
+  for (int i = 0; i < depth; ++i) {
+    std::string outer(6 + 0x1A, '\0');
+    outer[0] = 0x24;
+    outer += r;
+    PutU32(outer, 2, static_cast<std::uint32_t>(outer.size()));
+    r = std::move(outer);
+  }
+  return r.substr(6);
+}
+
+struct DamageCase {
+  std::string name;
+  std::function<void(BglBuilt&)> damage;
+  std::string error;  // "offset N: ..." begins so
+};
+
+TEST(BglBytes, DamagedFilesSayWhereAndGiveNothing) {
+  const auto at = [](const BglBuilt& b, const std::string& key) { return b.at.at(key); };
+  const std::vector<DamageCase> cases = {
+      {"empty", [](BglBuilt& b) { b.bytes.clear(); }, "offset 0: the file header"},
+      {"cut in the header", [](BglBuilt& b) { b.bytes.resize(0x20); }, "offset 0: the file header"},
+      {"not a BGL", [](BglBuilt& b) { b.bytes[0] = 'X'; }, "offset 0: not a BGL file"},
+      {"second magic", [](BglBuilt& b) { b.bytes[0x10] = 0; }, "offset 16: not a BGL file"},
+      {"sections that don't fit", [](BglBuilt& b) { PutU32(b.bytes, 0x14, 100000); },
+       "offset 20: 100000 sections don't fit"},
+      {"subsection table past the end",
+       [](BglBuilt& b) { PutU32(b.bytes, 0x38 + 12, 0x7FFFFFF0); }, "offset 68: section 0x3's"},
+      {"table size not its entries", [](BglBuilt& b) { PutU32(b.bytes, 0x38 + 16, 17); },
+       "offset 72: a subsection table of 17 bytes"},
+      {"data past the end",
+       [&](BglBuilt& b) { PutU32(b.bytes, 0x38 + 5 * 0x14 + 12, 0x7FFFFFFF); },
+       "offset 164: the data of section 0x3"},
+      {"data inside the header",
+       [&](BglBuilt& b) { PutU32(b.bytes, 0x38 + 5 * 0x14 + 8, 0x10); },
+       "lies inside the header and section table"},
+      {"two sections on the same bytes",
+       [&](BglBuilt& b) {
+         PutU32(b.bytes, 0x38 + 5 * 0x14 + 16 + 8, at(b, "airport0"));
+       },
+       "lies inside the data of section"},
+      {"more records than bytes",
+       [&](BglBuilt& b) { PutU32(b.bytes, 0x38 + 5 * 0x14 + 4, 1u << 30); },
+       "offset 160: 1073741824 records can't fit"},
+      {"record size below its header", [&](BglBuilt& b) { PutU32(b.bytes, at(b, "airport0") + 2, 3); },
+       "a record size of 3 bytes"},
+      {"record past its parent",
+       [&](BglBuilt& b) { PutU32(b.bytes, at(b, "approach0.0") + 2, 1u << 20); },
+       "runs past its parent's end"},
+      {"runway shorter than its fixed part",
+       [&](BglBuilt& b) { PutU32(b.bytes, at(b, "runway0.0") + 2, 0x10); },
+       "is shorter than its fixed part of 68"},
+      {"more legs than the list holds",
+       [&](BglBuilt& b) { PutU16(b.bytes, at(b, "legs0.0") + 6, 500); },
+       "500 legs don't fit in a list of 96 bytes"},
+      {"truncated in the records", [](BglBuilt& b) { b.bytes.resize(b.bytes.size() - 40); },
+       "runs past the end of the file"},
+  };
+  const BglBuilt good = BuildBgl(Sample(BglFormat::kFsx));
+  ASSERT_TRUE(ParseBgl(good.bytes).ok());
+  for (const DamageCase& c : cases) {
+    BglBuilt b = good;
+    c.damage(b);
+    const SourceTree t = ParseBgl(b.bytes);
+    EXPECT_NE(t.error.find(c.error), std::string::npos) << c.name << ": " << t.error;
+    EXPECT_EQ(t.error.rfind("offset ", 0), 0u) << c.name << ": " << t.error;
+    EXPECT_TRUE(t.records.empty()) << c.name;
+  }
+  BglFileSpec deep = Sample(BglFormat::kFsx);
+  deep.airports[0].extra = {{0x24, Nested(kMaxBglDepth + 2)}};
+  const SourceTree t = ParseBgl(BuildBgl(deep).bytes);
+  EXPECT_NE(t.error.find("records nested more than 8 deep"), std::string::npos) << t.error;
+  deep.airports[0].extra = {{0x24, Nested(3)}};
+  EXPECT_TRUE(ParseBgl(BuildBgl(deep).bytes).ok());
+}
+
+TEST(BglBytes, ImportedLikeXmlAndABrokenOneIsTold) {
+  TempDir dir;
+  const BglBuilt good = BuildBgl(Sample(BglFormat::kP3dV6));
+  BglBuilt broken = good;
+  PutU32(broken.bytes, broken.at.at("airport0") + 2, 3);
+  const fs::path sources = dir.path() / "src";
+  dir.write("src/KXYZ.BGL", good.bytes);
+  dir.write("src/sub/broken.bgl", broken.bytes);
+  dir.write("src/notes.txt", "not a source");
+  const fs::path big = dir.write("huge.bgl", "");
+  fs::resize_file(big, kMaxSourceBytes + 1);
+  std::ostringstream err;
+  const ImportResult r = RunImport({dir.path() / "data", {sources, big}}, err);
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.files, 1);
+  EXPECT_EQ(r.airports, 1);
+  EXPECT_EQ(r.approaches, 1);
+  EXPECT_EQ(r.skipped, 2);
+  const std::string text = err.str();
+  EXPECT_NE(text.find(PathToUtf8(sources / "sub" / "broken.bgl") + ": offset " +
+                      std::to_string(broken.at.at("airport0") + 2) +
+                      ": a record size of 3 bytes - nothing of it imported"),
+            std::string::npos)
+      << text;
+  EXPECT_NE(text.find(PathToUtf8(big) + ": larger than 512 MB - not read"), std::string::npos)
+      << text;
+  EXPECT_TRUE(fs::exists(dir.path() / "data" / "FSXFiles" / "KXYZ.xml"));
+  test::Harness h(dir.path() / "data");
+  h.load("KXYZ");
+  EXPECT_EQ(h.form().controls().cmbAPP.rows, std::vector<std::string>{"ILS 09L"});
+}
+
+}  // namespace
+}  // namespace velmora

@@ -11,7 +11,7 @@ seeds=$build/fuzz-seeds
 work=$build/fuzz-corpus
 crashes=$build/fuzz-crashes
 rm -rf "$seeds"
-mkdir -p "$seeds"/{airport,index,vor,numbers,import,library} "$work"/{airport,index,vor,numbers,import,library} "$crashes"
+mkdir -p "$seeds"/{airport,index,vor,numbers,import,library,bgl} "$work"/{airport,index,vor,numbers,import,library,bgl} "$crashes"
 
 # Each airport of each sample file, and the index with each code in it: "CODE\n" then bytes.
 for file in sample/FSXFiles/*.txt; do
@@ -76,8 +76,15 @@ n=0
   printf '%s' "$value" >"$seeds/numbers/$n"
 done
 
+# BGL files: the real ones of ../shared when they are there, and the builder's own (every
+# record variant), written by the seed program built beside the targets.
+for file in ../shared/realdata/found/bgl/*.[bB][gG][lL]; do
+  [ -f "$file" ] && cp "$file" "$seeds/bgl/"
+done
+"$build/tests/fuzz/bgl_seeds" "$seeds/bgl"
+
 status=0
-for target in airport index vor numbers import library; do
+for target in airport index vor numbers import library bgl; do
   log=$build/fuzz-$target.log
   if ! "$build/tests/fuzz/${target}_fuzz" -max_total_time="$seconds" -print_final_stats=1 \
     -artifact_prefix="$crashes/$target-" -rss_limit_mb=2048 "$work/$target" "$seeds/$target" \
