@@ -27,9 +27,10 @@ namespace fs = std::filesystem;
 
 const fs::path kRealDir = VELMORA_REAL_BGL_DIR;
 
-#define SKIP_WITHOUT_REAL_DATA()                                                          \
-  if (!fs::is_directory(kRealDir))                                                       \
-  GTEST_SKIP() << kRealDir.string() << " is missing: the real BGL files of ../shared "   \
+#define SKIP_WITHOUT_REAL_DATA()                                  \
+  if (!fs::is_directory(kRealDir))                                \
+  GTEST_SKIP() << kRealDir.string()                               \
+               << " is missing: the real BGL files of ../shared " \
                   "are not here, so they are not compared"
 
 std::vector<fs::path> RealBgls() {
@@ -141,7 +142,8 @@ bool SameValue(const std::string& key, const std::string& bgl, const std::string
   if (bgl == xml) return true;
   if (key == "lat" || key == "lon") {
     if (bgl.size() > 4 && xml.size() > 4 && bgl[0] == xml[0]) {
-      const auto b = Number(bgl.substr(bgl.find(' ') + 1)), x = Number(xml.substr(xml.find(' ') + 1));
+      const auto b = Number(bgl.substr(bgl.find(' ') + 1)),
+                 x = Number(xml.substr(xml.find(' ') + 1));
       if (b && x && bgl.substr(0, bgl.find(' ')) == xml.substr(0, xml.find(' '))) {
         return std::fabs(*b - *x) <= 0.00011;
       }
@@ -274,8 +276,9 @@ TEST(BglReal, AirportsListTheirApproaches) {
     const SourceTree t = ReadBglFile(bgl);
     for (const SourceElement& r : t.records) {
       if (r.name != "Airport") continue;
-      const int n = static_cast<int>(std::count_if(r.children.begin(), r.children.end(),
-                                                   [](const auto& c) { return c.name == "Approach"; }));
+      const int n =
+          static_cast<int>(std::count_if(r.children.begin(), r.children.end(),
+                                         [](const auto& c) { return c.name == "Approach"; }));
       ASSERT_TRUE(expected.count(*r.attr("ident"))) << *r.attr("ident");
       EXPECT_EQ(n, expected.at(*r.attr("ident"))) << bgl.filename();
     }
@@ -326,7 +329,8 @@ bool SameLineButNumbers(const std::string& a, const std::string& b) {
     return s.substr(start, k - start);
   };
   while (i < a.size() && j < b.size()) {
-    if (std::isdigit(static_cast<unsigned char>(a[i])) && std::isdigit(static_cast<unsigned char>(b[j]))) {
+    if (std::isdigit(static_cast<unsigned char>(a[i])) &&
+        std::isdigit(static_cast<unsigned char>(b[j]))) {
       const std::string x = number(a, i), y = number(b, j);
       if (x == y) continue;
       if (x.find('.') == std::string::npos || y.find('.') == std::string::npos) return false;
@@ -355,7 +359,7 @@ TEST(BglReal, TheChartOfEveryApproachIsTheXmlsChart) {
                  : dir.write(XmlBeside(c.file), XmlAsCompiled(XmlBeside(kRealDir / c.file)));
       const fs::path data = dir.path() / (i == 0 ? "bgl" : "xml");
       std::ostringstream err;
-      const ImportResult r = RunImport({data, {source}}, err);
+      const ImportResult r = RunImport(SourcesImport(data, {source}), err);
       ASSERT_EQ(r.status, 0) << err.str();
       EXPECT_EQ(r.approaches, c.approaches) << c.file;
       roads[i] = Road(data, c.code);
@@ -518,10 +522,15 @@ TEST(BglBytes, EveryRecordVariantReadsAsItsXmlWould) {
     EXPECT_TRUE(t.notes.empty());
     ASSERT_EQ(t.records.size(), 4u);  // the airport, the VOR, the NDB and waypoint outside it
     const SourceElement& a = t.records[0];
-    const std::vector<std::pair<std::string, std::string>> airport = {
-        {"ident", "KXYZ"},      {"name", "Caf\xE9 Field"}, {"country", "United States"},
-        {"state", "Illinois"},  {"city", "Testville"},     {"lat", "41.4999998733401"},
-        {"lon", "-89.2499998211861"}, {"alt", "200M"},     {"magvar", "-3.5"}};
+    const std::vector<std::pair<std::string, std::string>> airport = {{"ident", "KXYZ"},
+                                                                      {"name", "Caf\xE9 Field"},
+                                                                      {"country", "United States"},
+                                                                      {"state", "Illinois"},
+                                                                      {"city", "Testville"},
+                                                                      {"lat", "41.4999998733401"},
+                                                                      {"lon", "-89.2499998211861"},
+                                                                      {"alt", "200M"},
+                                                                      {"magvar", "-3.5"}};
     for (const auto& [key, value] : airport) EXPECT_EQ(Attr(&a, key), value) << key;
     EXPECT_EQ(CoordinateValue(Attr(&a, "lat"), true).text, "N41 30.00");  // 1.3e-7 deg: 1.4 cm
     EXPECT_EQ(CoordinateValue(Attr(&a, "lon"), false).text, "W089 15.00");
@@ -659,26 +668,22 @@ TEST(BglBytes, DamagedFilesSayWhereAndGiveNothing) {
       {"second magic", [](BglBuilt& b) { b.bytes[0x10] = 0; }, "offset 16: not a BGL file"},
       {"sections that don't fit", [](BglBuilt& b) { PutU32(b.bytes, 0x14, 100000); },
        "offset 20: 100000 sections don't fit"},
-      {"subsection table past the end",
-       [](BglBuilt& b) { PutU32(b.bytes, 0x38 + 12, 0x7FFFFFF0); }, "offset 68: section 0x3's"},
+      {"subsection table past the end", [](BglBuilt& b) { PutU32(b.bytes, 0x38 + 12, 0x7FFFFFF0); },
+       "offset 68: section 0x3's"},
       {"table size not its entries", [](BglBuilt& b) { PutU32(b.bytes, 0x38 + 16, 17); },
        "offset 72: a subsection table of 17 bytes"},
-      {"data past the end",
-       [&](BglBuilt& b) { PutU32(b.bytes, 0x38 + 5 * 0x14 + 12, 0x7FFFFFFF); },
+      {"data past the end", [&](BglBuilt& b) { PutU32(b.bytes, 0x38 + 5 * 0x14 + 12, 0x7FFFFFFF); },
        "offset 164: the data of section 0x3"},
-      {"data inside the header",
-       [&](BglBuilt& b) { PutU32(b.bytes, 0x38 + 5 * 0x14 + 8, 0x10); },
+      {"data inside the header", [&](BglBuilt& b) { PutU32(b.bytes, 0x38 + 5 * 0x14 + 8, 0x10); },
        "lies inside the header and section table"},
       {"two sections on the same bytes",
-       [&](BglBuilt& b) {
-         PutU32(b.bytes, 0x38 + 5 * 0x14 + 16 + 8, at(b, "airport0"));
-       },
+       [&](BglBuilt& b) { PutU32(b.bytes, 0x38 + 5 * 0x14 + 16 + 8, at(b, "airport0")); },
        "lies inside the data of section"},
       {"more records than bytes",
        [&](BglBuilt& b) { PutU32(b.bytes, 0x38 + 5 * 0x14 + 4, 1u << 30); },
        "offset 160: 1073741824 records can't fit"},
-      {"record size below its header", [&](BglBuilt& b) { PutU32(b.bytes, at(b, "airport0") + 2, 3); },
-       "a record size of 3 bytes"},
+      {"record size below its header",
+       [&](BglBuilt& b) { PutU32(b.bytes, at(b, "airport0") + 2, 3); }, "a record size of 3 bytes"},
       {"record past its parent",
        [&](BglBuilt& b) { PutU32(b.bytes, at(b, "approach0.0") + 2, 1u << 20); },
        "runs past its parent's end"},
@@ -721,7 +726,7 @@ TEST(BglBytes, ImportedLikeXmlAndABrokenOneIsTold) {
   const fs::path big = dir.write("huge.bgl", "");
   fs::resize_file(big, kMaxSourceBytes + 1);
   std::ostringstream err;
-  const ImportResult r = RunImport({dir.path() / "data", {sources, big}}, err);
+  const ImportResult r = RunImport(SourcesImport(dir.path() / "data", {sources, big}), err);
   EXPECT_EQ(r.status, 1);
   EXPECT_EQ(r.files, 1);
   EXPECT_EQ(r.airports, 1);
