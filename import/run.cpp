@@ -1,7 +1,6 @@
 #include "import/run.h"
 
 #include <algorithm>
-#include <cmath>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -23,9 +22,6 @@
 
 namespace velmora {
 namespace {
-
-// A navaid farther than this from the airport is not the one its approach means.
-constexpr double kFixReachNm = 300;
 
 struct Source {
   std::filesystem::path path;
@@ -79,12 +75,6 @@ std::string TargetName(const std::filesystem::path& source, std::vector<std::str
   }
   taken.push_back(name);
   return name;
-}
-
-double DistanceNm(double lat1, double lon1, double lat2, double lon2) {
-  constexpr double kRadPerDeg = 3.14159265358979323846 / 180;
-  const double x = (lon2 - lon1) * std::cos((lat1 + lat2) / 2 * kRadPerDeg);
-  return std::hypot(x, lat2 - lat1) * 60;
 }
 
 using NavaidIndex = std::multimap<std::string, const NavaidText*>;
@@ -179,8 +169,9 @@ std::vector<Source> ReadSources(const std::vector<std::filesystem::path>& files,
   return sources;
 }
 
-void WriteAirportFiles(const std::vector<Source>& sources, const std::filesystem::path& folder,
-                       ImportResult& result, std::ostream& err) {
+void WriteAirportFiles(const std::vector<Source>& sources, const std::vector<VorRecord>& vors,
+                       const std::filesystem::path& folder, ImportResult& result,
+                       std::ostream& err) {
   NavaidIndex navaids;
   for (const Source& s : sources) {
     for (const NavaidText& n : s.converted.navaids) navaids.emplace(n.ident, &n);
@@ -189,7 +180,7 @@ void WriteAirportFiles(const std::vector<Source>& sources, const std::filesystem
     if (s.name.empty()) continue;
     std::string error;
     if (!WriteWhole(folder / PathFromUtf8(s.name),
-                    AirportFileText(s.converted, Copies(s.converted, navaids)), error)) {
+                    AirportFileText(s.converted, Copies(s.converted, navaids), vors), error)) {
       err << error << '\n';
       ++result.skipped;
       continue;
@@ -226,11 +217,11 @@ ImportResult RunImport(const ImportOptions& options, std::ostream& err) {
     files.clear();
   }
   const std::vector<Source> sources = ReadSources(files, folder, result, err);
-  WriteAirportFiles(sources, folder, result, err);
   std::vector<VorRecord> vors;
   for (const Source& s : sources) {
     vors.insert(vors.end(), s.converted.vors.begin(), s.converted.vors.end());
   }
+  WriteAirportFiles(sources, vors, folder, result, err);
   if (!vors.empty() && !MergeVors(options.dataDir / kVorFileName, vors, err).ok) ++result.skipped;
   if (result.files > 0) {
     std::ostringstream none;
