@@ -244,10 +244,8 @@ void Writer::element(const SourceElement& e, int depth) {
   if (e.name == "Approach" || e.name == "Transition") lastFix_.clear();
   const bool leg = l == &kLegLayout;
   const std::string* fix = e.attr("fixIdent");
-  gapHere_ = leg && fix != nullptr && !fix->empty() && !lastFix_.empty() && *fix != lastFix_ &&
-             TrackGivesCourse(e);
+  gapHere_ = leg && fix != nullptr && !fix->empty() && !lastFix_.empty() && TrackGivesCourse(e);
   attributeLines(e, *l, depth);
-  gapHere_ = false;
   if (leg) lastFix_ = fix != nullptr && EndsAtFix(e) ? *fix : "";
   out_ += l->children ? ">" : leg ? "" : "/>";
   out_ += kEol;
