@@ -17,6 +17,7 @@
 #include "geometry/coords.h"
 #include "import/index_run.h"
 #include "import/source_file.h"
+#include "import/units.h"
 #include "import/vor_merge.h"
 #include "import/writer.h"
 

@@ -254,6 +254,11 @@ Converted NdbFrequencyValue(std::string_view value) {
   return Decimals(value, kNdbFrequencyDecimals);
 }
 
+double DistanceNm(double lat1, double lon1, double lat2, double lon2) {
+  const double x = (lon2 - lon1) * std::cos((lat1 + lat2) / 2 * kRadPerDeg);
+  return std::hypot(x, lat2 - lat1) * 60;
+}
+
 double TrueCourse(double lat1, double lon1, double lat2, double lon2) {
   const double p1 = lat1 * kRadPerDeg, p2 = lat2 * kRadPerDeg;
   const double dl = (lon2 - lon1) * kRadPerDeg;

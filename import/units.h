@@ -32,6 +32,8 @@ Converted NavFrequencyValue(std::string_view value);  // ILS and VOR
 Converted ComFrequencyValue(std::string_view value);
 Converted NdbFrequencyValue(std::string_view value);
 
+// Nautical miles between two positions, near enough for telling navaids of one ident apart.
+double DistanceNm(double lat1, double lon1, double lat2, double lon2);
 // Initial great-circle true course from the first position to the second, 0 to 360 degrees.
 double TrueCourse(double lat1, double lon1, double lat2, double lon2);
 // The course text a leg gets for `trueCourse` under the airport's `magvar` as its source writes

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <functional>
 #include <string_view>
 
@@ -430,12 +429,6 @@ std::string CourseLine(const CourseGap& g, const AirportText& a,
 }
 
 }  // namespace
-
-double DistanceNm(double lat1, double lon1, double lat2, double lon2) {
-  constexpr double kRadPerDeg = 3.14159265358979323846 / 180;
-  const double x = (lon2 - lon1) * std::cos((lat1 + lat2) / 2 * kRadPerDeg);
-  return std::hypot(x, lat2 - lat1) * 60;
-}
 
 ConvertedSource ConvertSource(const SourceTree& source, const std::string& label) {
   ConvertedSource out;

@@ -28,7 +28,6 @@ struct WantedFix {
 
 // A navaid farther than this from the airport is not the one its approach means.
 inline constexpr double kFixReachNm = 300;
-double DistanceNm(double lat1, double lon1, double lat2, double lon2);
 
 // The tables the chart looks for a fix in, in its order.
 enum class FixKind { kWaypoint, kNdb, kVor, kRunway };
