@@ -142,7 +142,7 @@ void BM_Import(benchmark::State& state) {
   const std::filesystem::path data = Shared().dir / "imported";
   for (auto _ : state) {
     std::ostringstream err;
-    const ImportResult r = RunImport({data, {s.file}}, err);
+    const ImportResult r = RunImport(SourcesImport(data, {s.file}), err);
     if (r.airports != kImportAirports) {
       state.SkipWithError("not every airport was imported");
       break;

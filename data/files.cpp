@@ -1,5 +1,7 @@
 #include "data/files.h"
 
+#include <cstdio>
+
 namespace velmora {
 
 std::optional<std::filesystem::path> PathBelow(const std::filesystem::path& folder,
@@ -11,6 +13,31 @@ std::optional<std::filesystem::path> PathBelow(const std::filesystem::path& fold
   const auto first = rel.begin();
   if (first == rel.end() || *first == "..") return std::nullopt;
   return folder / rel;
+}
+
+bool ReadSmallFile(const std::filesystem::path& path, std::uintmax_t limit, std::string& bytes,
+                   std::string& reason) {
+  std::FILE* file = nullptr;
+  const OpenStatus status = OpenRegularFile(path, file);
+  if (status != OpenStatus::kOpened) {
+    reason = status == OpenStatus::kNotRegular ? "not a plain file" : "can't be read";
+    return false;
+  }
+  bytes.clear();
+  char buffer[1 << 16];
+  std::size_t n = 0;
+  while ((n = std::fread(buffer, 1, sizeof buffer, file)) > 0 && bytes.size() <= limit) {
+    bytes.append(buffer, n);
+  }
+  const bool failed = std::ferror(file) != 0;
+  std::fclose(file);
+  if (bytes.size() > limit) {
+    reason = "larger than " + std::to_string(limit >> 20) + " MB - not read";
+  } else if (failed) {
+    reason = "a read failed";
+  }
+  if (!reason.empty()) bytes.clear();
+  return reason.empty();
 }
 
 }  // namespace velmora

@@ -3,8 +3,10 @@
 // folder. A FIFO, a device or a socket would block or never end; a path out of the folder
 // reads what the data was never meant to reach.
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "data/platform.h"  // OpenRegularFile
@@ -22,5 +24,10 @@ inline constexpr std::string_view kAirportFolder = "FSXFiles";
 // Windows-1252, as the index gives it.
 std::optional<std::filesystem::path> PathBelow(const std::filesystem::path& folder,
                                                std::string_view relative);
+
+// The whole of a regular file of at most `limit` bytes into `bytes`; false with `reason` ("can't
+// be read", "not a plain file", "larger than N MB - not read") otherwise.
+bool ReadSmallFile(const std::filesystem::path& path, std::uintmax_t limit, std::string& bytes,
+                   std::string& reason);
 
 }  // namespace velmora

@@ -20,8 +20,13 @@ void AppendUtf8(std::string& out, char32_t cp) {
   } else if (cp < 0x800) {
     out += static_cast<char>(0xC0 | (cp >> 6));
     out += static_cast<char>(0x80 | (cp & 0x3F));
-  } else {
+  } else if (cp < 0x10000) {
     out += static_cast<char>(0xE0 | (cp >> 12));
+    out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+    out += static_cast<char>(0x80 | (cp & 0x3F));
+  } else {
+    out += static_cast<char>(0xF0 | (cp >> 18));
+    out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
     out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
     out += static_cast<char>(0x80 | (cp & 0x3F));
   }
@@ -99,6 +104,47 @@ std::string Utf8ToCp1252(std::string_view text) {
     out += FromCodePoint(cp);
     i += extra + 1;
   }
+  return out;
+}
+
+bool IsUtf8(std::string_view text) {
+  const std::size_t n = text.size();
+  for (std::size_t i = 0; i < n;) {
+    const auto c = static_cast<unsigned char>(text[i]);
+    const int extra = c < 0x80                  ? 0
+                      : (c >= 0xC2 && c < 0xE0) ? 1
+                      : (c >= 0xE0 && c < 0xF0) ? 2
+                      : (c >= 0xF0 && c < 0xF5) ? 3
+                                                : -1;
+    if (extra < 0 || n - i <= static_cast<std::size_t>(extra)) return false;
+    for (int k = 1; k <= extra; ++k) {
+      if ((static_cast<unsigned char>(text[i + k]) & 0xC0) != 0x80) return false;
+    }
+    i += static_cast<std::size_t>(extra) + 1;
+  }
+  return true;
+}
+
+std::string Utf16ToUtf8(std::string_view bytes, bool bigEndian) {
+  constexpr char32_t kReplacement = 0xFFFD;
+  std::string out;
+  out.reserve(bytes.size() / 2);
+  auto unit = [&](std::size_t i) -> char32_t {
+    const auto a = static_cast<unsigned char>(bytes[i]),
+               b = static_cast<unsigned char>(bytes[i + 1]);
+    return bigEndian ? (a << 8 | b) : (b << 8 | a);
+  };
+  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+    const char32_t u = unit(i);
+    if (u >= 0xD800 && u < 0xDC00 && i + 3 < bytes.size() && unit(i + 2) >= 0xDC00 &&
+        unit(i + 2) < 0xE000) {
+      AppendUtf8(out, 0x10000 + ((u - 0xD800) << 10) + (unit(i + 2) - 0xDC00));
+      i += 2;
+    } else {
+      AppendUtf8(out, (u >= 0xD800 && u < 0xE000) ? kReplacement : u);
+    }
+  }
+  if (bytes.size() % 2 != 0) AppendUtf8(out, kReplacement);
   return out;
 }
 

@@ -16,6 +16,11 @@ char32_t Cp1252CodePoint(unsigned char byte);
 // Characters that Windows-1252 lacks become '?'.
 std::string Utf8ToCp1252(std::string_view text);
 
+// Whether `text` is well-formed UTF-8 (ASCII included).
+bool IsUtf8(std::string_view text);
+// UTF-16 bytes (no BOM) as UTF-8; a lone surrogate or an odd last byte becomes U+FFFD.
+std::string Utf16ToUtf8(std::string_view bytes, bool bigEndian);
+
 // Upper case of the Windows-1252 letters, accented ones included.
 std::string UpperCase(std::string_view text);
 // Lower case of the ASCII letters alone, for names such as file extensions.

@@ -1,6 +1,7 @@
 #include "import/run.h"
 
 #include <algorithm>
+#include <array>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -16,6 +17,8 @@
 #include "data/vor.h"
 #include "geometry/coords.h"
 #include "import/index_run.h"
+#include "import/library.h"
+#include "import/library_state.h"
 #include "import/source_file.h"
 #include "import/units.h"
 #include "import/vor_merge.h"
@@ -24,10 +27,21 @@
 namespace velmora {
 namespace {
 
-struct Source {
+// Where the files of an import wait until all are written: below FSXFiles, where neither the
+// index nor the chart looks, and removed whole when the import is cancelled.
+constexpr std::string_view kStagingName = ".velmora-import";
+
+// A file to import and the library layer it comes from (0 for sources named one by one).
+struct Input {
   std::filesystem::path path;
+  int layer = 0;
+};
+
+struct Source {
+  Input input;
   std::string name;  // of the file written into FSXFiles
   ConvertedSource converted;
+  bool outline = false;  // only the airports' idents and places read yet
 };
 
 // The files one SOURCE stands for, in name order; false when it names nothing readable.
@@ -112,9 +126,20 @@ std::string Counted(int n, std::string_view one, std::string_view many) {
 
 std::string ImportUsage() {
   return "usage: velmora-import [--data DIR] SOURCE...\n"
-         "  reads BglComp XML airport files (SOURCE: files, or folders searched for .xml "
-         "files),\n  writes them into DIR/FSXFiles in the layout the chart reads, adds their "
-         "VORs to\n  DIR/vor.nav and rebuilds DIR/Arpt index.txt\n";
+         "       velmora-import [--data DIR] --sim DIR [--scenery FILE]\n"
+         "  reads airport sources: BglComp XML files and the simulator's compiled BGL files\n"
+         "  (SOURCE: files, or folders searched for .xml and .bgl files), or with --sim the\n"
+         "  scenery library of the simulator in DIR (its scenery.cfg, or FILE), writes them\n"
+         "  into DIR/FSXFiles in the layout the chart reads, adds their VORs to DIR/vor.nav\n"
+         "  and rebuilds DIR/Arpt index.txt\n";
+}
+
+ImportOptions SourcesImport(std::filesystem::path dataDir,
+                            std::vector<std::filesystem::path> sources) {
+  ImportOptions options;
+  options.dataDir = std::move(dataDir);
+  options.sources = std::move(sources);
+  return options;
 }
 
 std::optional<ImportOptions> ParseImportArgs(const std::vector<std::string>& args,
@@ -122,20 +147,36 @@ std::optional<ImportOptions> ParseImportArgs(const std::vector<std::string>& arg
                                              std::ostream& err) {
   ImportOptions options;
   options.dataDir = defaultDir;
+  const std::array<std::pair<std::string_view, std::filesystem::path*>, 3> valued = {
+      {{"--data", &options.dataDir},
+       {"--sim", &options.simDir},
+       {"--scenery", &options.sceneryFile}}};
   for (std::size_t i = 0; i < args.size(); ++i) {
     const std::string& a = args[i];
-    if (a == "--data" && i + 1 < args.size() && !args[i + 1].empty()) {
-      options.dataDir = PathFromUtf8(args[++i]);
+    const auto option =
+        std::find_if(valued.begin(), valued.end(), [&](const auto& v) { return v.first == a; });
+    std::string problem;
+    if (option != valued.end() && i + 1 < args.size() && !args[i + 1].empty()) {
+      *option->second = PathFromUtf8(args[++i]);
+    } else if (option != valued.end()) {
+      problem = a + " needs a value";
     } else if (a.size() > 1 && a.front() == '-') {
-      err << (a == "--data" ? "--data needs a value" : "unknown option " + a) << '\n'
-          << ImportUsage();
-      return std::nullopt;
+      problem = "unknown option " + a;
     } else {
       options.sources.push_back(PathFromUtf8(a));
     }
+    if (!problem.empty()) {
+      err << problem << '\n' << ImportUsage();
+      return std::nullopt;
+    }
   }
-  if (options.sources.empty()) {
-    err << "no SOURCE given\n" << ImportUsage();
+  const bool sim = !options.simDir.empty();
+  const char* problem = !sim && !options.sceneryFile.empty() ? "--scenery goes with --sim"
+                        : sim && !options.sources.empty()    ? "--sim takes no SOURCE"
+                        : !sim && options.sources.empty()    ? "no SOURCE given"
+                                                             : nullptr;
+  if (problem != nullptr) {
+    err << problem << '\n' << ImportUsage();
     return std::nullopt;
   }
   return options;
@@ -143,86 +184,225 @@ std::optional<ImportOptions> ParseImportArgs(const std::vector<std::string>& arg
 
 namespace {
 
-// Reads and converts each source; those that fail are told and counted.
-std::vector<Source> ReadSources(const std::vector<std::filesystem::path>& files,
+// Stops the import when the caller asks to.
+class Progress {
+ public:
+  explicit Progress(const ImportProgressFn& fn) : fn_(fn) {}
+  bool step(std::string_view name, int done, int total) {
+    if (!cancelled_ && fn_) cancelled_ = !fn_(ImportProgress{name, done, total});
+    return !cancelled_;
+  }
+  bool cancelled() const { return cancelled_; }
+
+ private:
+  const ImportProgressFn& fn_;
+  bool cancelled_ = false;
+};
+
+// Each source read once: whole, or where the reader can pass over airports cheaply, only what
+// the other files need of it (navaids, VORs, airport idents), to be read whole when written.
+std::vector<Source> ReadSources(const std::vector<Input>& inputs,
                                 const std::filesystem::path& folder, ImportResult& result,
-                                std::ostream& err) {
+                                Progress& progress, std::ostream& err) {
   std::vector<Source> sources;
-  std::vector<std::string> taken;
   std::error_code ec;
-  for (const std::filesystem::path& file : files) {
+  for (std::size_t i = 0; i < inputs.size(); ++i) {
+    if (!progress.step("Reading", static_cast<int>(i), static_cast<int>(inputs.size()))) break;
+    const std::filesystem::path& file = inputs[i].path;
     if (std::filesystem::equivalent(file.parent_path(), folder, ec)) {
       err << PathToUtf8(file) << ": stands in FSXFiles already - import it from elsewhere\n";
       ++result.skipped;
       continue;
     }
-    const SourceTree parsed = ReadSourceFile(file);
+    const SourceTree parsed = ReadSourceFile(file, SourceDetail::kOutline);
     if (!parsed.ok()) {
       err << SourceProblem(file, parsed) << " - nothing of it imported\n";
       ++result.skipped;
       continue;
     }
-    Source s{file, "", ConvertSource(parsed, PathToUtf8(file))};
+    Source s{inputs[i], "", ConvertSource(parsed, PathToUtf8(file)), parsed.outline};
     for (const std::string& w : s.converted.warnings) err << w << '\n';
-    if (!s.converted.airports.empty()) s.name = TargetName(file, taken);
     sources.push_back(std::move(s));
   }
   return sources;
 }
 
-void WriteAirportFiles(const std::vector<Source>& sources, const std::vector<VorRecord>& vors,
-                       const std::filesystem::path& folder, ImportResult& result,
-                       std::ostream& err) {
-  NavaidIndex navaids;
+// An airport that a higher layer also holds is the higher layer's, as in the simulator.
+void DropReplacedAirports(std::vector<Source>& sources) {
+  std::map<std::string, int> top;
   for (const Source& s : sources) {
-    for (const NavaidText& n : s.converted.navaids) navaids.emplace(n.ident, &n);
-  }
-  for (const Source& s : sources) {
-    if (s.name.empty()) continue;
-    std::string error;
-    if (!WriteWhole(folder / PathFromUtf8(s.name),
-                    AirportFileText(s.converted, Copies(s.converted, navaids), vors), error)) {
-      err << error << '\n';
-      ++result.skipped;
-      continue;
+    for (const AirportText& a : s.converted.airports) {
+      auto [it, fresh] = top.emplace(a.ident, s.input.layer);
+      if (!fresh) it->second = std::max(it->second, s.input.layer);
     }
-    ++result.files;
-    for (const AirportText& a : s.converted.airports) result.approaches += a.approaches;
-    result.airports += static_cast<int>(s.converted.airports.size());
+  }
+  for (Source& s : sources) {
+    std::erase_if(s.converted.airports,
+                  [&](const AirportText& a) { return top[a.ident] > s.input.layer; });
   }
 }
 
-}  // namespace
-
-ImportResult RunImport(const ImportOptions& options, std::ostream& err) {
-  ImportResult result;
-  std::vector<std::filesystem::path> files;
-  for (const std::filesystem::path& source : options.sources) {
-    if (!Expand(source, files, err)) ++result.skipped;
-  }
-  // A file named and also found in a named folder is read once.
-  std::vector<std::filesystem::path> seen;
-  std::erase_if(files, [&](const std::filesystem::path& f) {
-    std::error_code ec;
-    const std::filesystem::path canonical = std::filesystem::weakly_canonical(f, ec);
-    if (std::find(seen.begin(), seen.end(), canonical) != seen.end()) return true;
-    seen.push_back(canonical);
-    return false;
-  });
-  const std::filesystem::path folder = options.dataDir / kAirportFolder;
-  std::error_code ec;
-  std::filesystem::create_directories(folder, ec);
-  if (!std::filesystem::is_directory(folder, ec)) {
-    err << PathToUtf8(folder) << " could not be made - nothing imported\n";
-    result.skipped += static_cast<int>(files.size());
-    files.clear();
-  }
-  const std::vector<Source> sources = ReadSources(files, folder, result, err);
+// Every source's VORs, in source order.
+std::vector<VorRecord> AllVors(const std::vector<Source>& sources) {
   std::vector<VorRecord> vors;
   for (const Source& s : sources) {
     vors.insert(vors.end(), s.converted.vors.begin(), s.converted.vors.end());
   }
-  WriteAirportFiles(sources, vors, folder, result, err);
+  return vors;
+}
+
+// The files of the sources that keep airports, into `staging`; a source read in outline is
+// read whole now, its own warnings told once.
+void WriteAirportFiles(std::vector<Source>& sources, const std::filesystem::path& staging,
+                       ImportResult& result, Progress& progress, std::ostream& err) {
+  const std::vector<VorRecord> vors = AllVors(sources);
+  NavaidIndex navaids;
+  for (const Source& s : sources) {
+    for (const NavaidText& n : s.converted.navaids) navaids.emplace(n.ident, &n);
+  }
+  std::vector<std::string> taken;
+  for (std::size_t i = 0; i < sources.size(); ++i) {
+    Source& s = sources[i];
+    if (!progress.step("Writing", static_cast<int>(i), static_cast<int>(sources.size()))) return;
+    if (s.converted.airports.empty()) continue;
+    ConvertedSource whole;
+    if (s.outline) {
+      whole = ConvertSource(ReadSourceFile(s.input.path), PathToUtf8(s.input.path));
+      std::erase_if(whole.airports, [&](const AirportText& a) {
+        return std::none_of(s.converted.airports.begin(), s.converted.airports.end(),
+                            [&](const AirportText& kept) { return kept.ident == a.ident; });
+      });
+      for (const std::string& w : whole.warnings) {
+        if (std::find(s.converted.warnings.begin(), s.converted.warnings.end(), w) ==
+            s.converted.warnings.end()) {
+          err << w << '\n';
+        }
+      }
+    }
+    const ConvertedSource& c = s.outline ? whole : s.converted;
+    s.name = TargetName(s.input.path, taken);
+    std::string error;
+    if (!WriteWhole(staging / PathFromUtf8(s.name), AirportFileText(c, Copies(c, navaids), vors),
+                    error)) {
+      err << error << '\n';
+      ++result.skipped;
+      s.name.clear();
+      continue;
+    }
+    ++result.files;
+    for (const AirportText& a : c.airports) result.approaches += a.approaches;
+    result.airports += static_cast<int>(c.airports.size());
+  }
+}
+
+std::string Summary(const ImportResult& r) {
+  return Counted(r.airports, "airport", "airports") + ", " +
+         Counted(r.approaches, "approach", "approaches") + " in " +
+         Counted(r.files, "file", "files") + ", " + Counted(r.skipped, "file", "files") +
+         " skipped";
+}
+
+}  // namespace
+
+namespace {
+
+// The files named on the command line or found in the named folders, each once.
+std::vector<Input> NamedInputs(const ImportOptions& options, ImportResult& result,
+                               std::ostream& err) {
+  std::vector<std::filesystem::path> files;
+  for (const std::filesystem::path& source : options.sources) {
+    if (!Expand(source, files, err)) ++result.skipped;
+  }
+  std::vector<std::filesystem::path> seen;
+  std::vector<Input> inputs;
+  for (const std::filesystem::path& f : files) {
+    std::error_code ec;
+    const std::filesystem::path canonical = std::filesystem::weakly_canonical(f, ec);
+    if (std::find(seen.begin(), seen.end(), canonical) != seen.end()) continue;
+    seen.push_back(canonical);
+    inputs.push_back({f, 0});
+  }
+  return inputs;
+}
+
+struct Library {
+  std::filesystem::path cfg;
+  std::vector<LibraryFolder> folders;
+  SceneryLibrary parsed;  // the folders point into it
+  bool ok = false;
+};
+
+// The scenery library of the simulator folder: its areas' files in layer order.
+void ReadLibrary(const ImportOptions& options, Library& library, ImportResult& result,
+                 std::ostream& err) {
+  const auto cfg = options.sceneryFile.empty()
+                       ? FindSceneryFile(options.simDir, GetEnv("ProgramData"))
+                       : std::optional(options.sceneryFile);
+  if (!cfg) {
+    err << PathToUtf8(options.simDir) << ": no scenery.cfg found for this simulator folder"
+        << " - name it with --scenery\n";
+    return;
+  }
+  library.cfg = *cfg;
+  std::string bytes, reason;
+  if (!ReadSmallFile(*cfg, kMaxLibraryBytes, bytes, reason)) {
+    err << PathToUtf8(*cfg) << ": " << reason << '\n';
+    return;
+  }
+  library.parsed = ParseSceneryLibrary(bytes);
+  const std::string label = PathToUtf8(*cfg);
+  for (const std::string& p : library.parsed.problems) err << label << ':' << p << '\n';
+  std::ostringstream told;
+  library.folders = FindLibraryFolders(library.parsed, options.simDir, label, told);
+  err << told.str();
+  const auto missing = std::count(told.str().begin(), told.str().end(), '\n');
+  result.skipped += static_cast<int>(library.parsed.problems.size() + missing);
+  library.ok = true;
+}
+
+std::vector<Input> LibraryInputs(const Library& library) {
+  std::vector<Input> inputs;
+  for (const LibraryFolder& f : library.folders) {
+    for (const auto& file : f.files) inputs.push_back({file, f.area->layer});
+  }
+  return inputs;
+}
+
+// The staged files into FSXFiles, and the last library import's files that this one did not
+// write again out of it.
+void Publish(const std::vector<Source>& sources, const std::filesystem::path& staging,
+             const std::filesystem::path& folder, const std::vector<std::string>& before,
+             std::vector<std::string>& written, ImportResult& result, std::ostream& err) {
+  for (const Source& s : sources) {
+    if (s.name.empty()) continue;
+    const std::error_code ec =
+        RenameOver(staging / PathFromUtf8(s.name), folder / PathFromUtf8(s.name));
+    if (ec) {
+      err << PathToUtf8(folder / PathFromUtf8(s.name)) << ": " << ec.message() << '\n';
+      ++result.skipped;
+      continue;
+    }
+    written.push_back(s.name);
+  }
+  for (const std::string& old : before) {
+    std::error_code ec;
+    if (std::find(written.begin(), written.end(), old) == written.end()) {
+      std::filesystem::remove(folder / PathFromUtf8(old), ec);
+    }
+  }
+}
+
+bool OutputsStand(const std::filesystem::path& folder, const std::vector<std::string>& names) {
+  std::error_code ec;
+  return std::all_of(names.begin(), names.end(), [&](const std::string& n) {
+    return std::filesystem::is_regular_file(folder / PathFromUtf8(n), ec);
+  });
+}
+
+// The VORs merged, the index rebuilt, the library's state kept and the summary told.
+void Finish(const ImportOptions& options, const std::vector<Source>& sources, LibraryState* state,
+            ImportResult& result, std::ostream& err) {
+  const std::vector<VorRecord> vors = AllVors(sources);
   if (!vors.empty() && !MergeVors(options.dataDir / kVorFileName, vors, err).ok) ++result.skipped;
   if (result.files > 0) {
     std::ostringstream none;
@@ -230,12 +410,66 @@ ImportResult RunImport(const ImportOptions& options, std::ostream& err) {
   } else {
     err << "no airport found - the index stays as it was\n";
   }
+  std::string error;
+  if (state != nullptr && result.files > 0 &&
+      !WriteWhole(options.dataDir / kLibraryStateName, LibraryStateText(*state), error)) {
+    err << error << '\n';
+  }
   result.status = result.skipped == 0 && result.airports > 0 ? 0 : 1;
-  result.summary = Counted(result.airports, "airport", "airports") + ", " +
-                   Counted(result.approaches, "approach", "approaches") + " in " +
-                   Counted(result.files, "file", "files") + ", " +
-                   Counted(result.skipped, "file", "files") + " skipped";
+  result.summary = Summary(result);
   err << result.summary << '\n';
+}
+
+}  // namespace
+
+ImportResult RunImport(const ImportOptions& options, std::ostream& err) {
+  ImportResult result;
+  Progress progress(options.progress);
+  const bool sim = !options.simDir.empty();
+  Library library;
+  if (sim) ReadLibrary(options, library, result, err);
+  const std::vector<Input> inputs =
+      sim ? LibraryInputs(library) : NamedInputs(options, result, err);
+  const std::filesystem::path folder = options.dataDir / kAirportFolder;
+  const std::filesystem::path stateFile = options.dataDir / kLibraryStateName;
+  const auto before = sim ? ReadLibraryState(stateFile) : std::nullopt;
+  LibraryState state;
+  if (library.ok)
+    state.fingerprint = LibraryFingerprint(options.simDir, library.cfg, library.folders);
+  if (before && before->fingerprint == state.fingerprint && OutputsStand(folder, before->outputs)) {
+    result.unchanged = true;
+    result.status = result.skipped == 0 ? 0 : 1;
+    result.summary = "unchanged: " + Counted(static_cast<int>(inputs.size()), "file", "files") +
+                     " as the last import found them";
+    err << result.summary << '\n';
+    return result;
+  }
+  const std::filesystem::path staging = folder / kStagingName;
+  std::error_code ec;
+  std::filesystem::remove_all(staging, ec);
+  std::filesystem::create_directories(staging, ec);
+  if (!std::filesystem::is_directory(staging, ec)) {
+    err << PathToUtf8(folder) << " could not be made - nothing imported\n";
+    result.skipped += static_cast<int>(inputs.size());
+  }
+  std::vector<Source> sources;
+  if (!ec) {
+    sources = ReadSources(inputs, folder, result, progress, err);
+    DropReplacedAirports(sources);
+    WriteAirportFiles(sources, staging, result, progress, err);
+  }
+  if (progress.cancelled()) {
+    std::filesystem::remove_all(staging, ec);
+    result.cancelled = true;
+    result.status = 1;
+    result.summary = "import cancelled - nothing changed";
+    err << result.summary << '\n';
+    return result;
+  }
+  Publish(sources, staging, folder, before ? before->outputs : std::vector<std::string>{},
+          state.outputs, result, err);
+  std::filesystem::remove_all(staging, ec);
+  Finish(options, sources, library.ok ? &state : nullptr, result, err);
   return result;
 }
 

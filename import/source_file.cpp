@@ -9,7 +9,7 @@ bool IsSourceFile(const std::filesystem::path& path) {
   return AsciiLowerCase(PathToUtf8(path.extension())) == ".xml";
 }
 
-SourceTree ReadSourceFile(const std::filesystem::path& path) {
+SourceTree ReadSourceFile(const std::filesystem::path& path, SourceDetail) {
   return ReadXmlSource(path);
 }
 

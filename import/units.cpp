@@ -270,12 +270,10 @@ double TrueCourse(double lat1, double lon1, double lat2, double lon2) {
 }
 
 std::string MagneticCourseText(double trueCourse, std::string_view magvar) {
-  // In the reader's form west lies below 180 and east is 360 less the variation, so adding it
-  // subtracts an east variation and adds a west one, modulo 360.
+  // In the reader's form (0 to 360) west lies below 180 and east is 360 less the variation, so
+  // adding it subtracts an east variation and adds a west one, modulo 360.
   const auto variation = ParseNumber(MagvarValue(magvar).text);
-  double course = std::fmod(trueCourse + variation.value_or(0), 360);
-  if (course < 0) course += 360;
-  return Fixed(course, kCourseDecimals);
+  return Fixed(std::fmod(trueCourse + variation.value_or(0), 360), kCourseDecimals);
 }
 
 }  // namespace velmora

@@ -30,6 +30,7 @@ struct SourceTree {
   // file); nothing of it counts then.
   std::string error;
   bool ok() const { return error.empty(); }
+  bool outline = false;  // airports without their children: read again whole to write them
 };
 
 // Takes the source in pieces, so that a large file never has to be held whole.

@@ -126,7 +126,7 @@ std::string ImportedCourse(const CourseCase& c) {
                                        "</Approach></Airport></FSData>");
   const auto navaids = dir.write("src/navaids.xml", "<FSData>" + other + "</FSData>");
   std::ostringstream err;
-  RunImport({dir.path() / "data", {airport, navaids}}, err);
+  RunImport(SourcesImport(dir.path() / "data", {airport, navaids}), err);
   auto store = std::make_unique<Store>();
   EXPECT_TRUE(ExtractArpt(*store, dir.path() / "data/FSXFiles/airport.xml", "XCRS").found)
       << err.str();
@@ -228,7 +228,7 @@ TEST(ImportCourses, PrintedNumbersGetTheChartsDecimals) {
       "</Airport><Vor ident=\"RAD\" lat=\"40.25\" lon=\"-3.5\" frequency=\"116.950\"/>"
       "</FSData>");
   std::ostringstream err;
-  EXPECT_EQ(RunImport({dir.path() / "data", {source}}, err).status, 0) << err.str();
+  EXPECT_EQ(RunImport(SourcesImport(dir.path() / "data", {source}), err).status, 0) << err.str();
   auto store = std::make_unique<Store>();
   LoadVor(*store, dir.path() / "data" / kVorFileName);
   ExtractArpt(*store, dir.path() / "data/FSXFiles/radios.xml", "XRAD");
@@ -293,9 +293,16 @@ TEST(ImportCourses, RealDecompiledFilesChartWithTheirOwnCourses) {
   if (!std::filesystem::is_directory(found, ec)) {
     GTEST_SKIP() << found.string() << " is missing: no real decompiled files to import";
   }
+  // The decompiled XML alone: the compiled files beside them hold the same airports.
+  std::vector<std::filesystem::path> sources;
+  for (const char* folder : {"bgl", "xml"}) {
+    for (const auto& entry : std::filesystem::directory_iterator(found / folder)) {
+      if (entry.path().extension() == ".xml") sources.push_back(entry.path());
+    }
+  }
   TempDir dir;
   std::ostringstream err;
-  const ImportResult result = RunImport({dir.path() / "data", {found / "bgl", found / "xml"}}, err);
+  const ImportResult result = RunImport(SourcesImport(dir.path() / "data", sources), err);
   EXPECT_EQ(result.status, 0) << err.str();
   auto store = std::make_unique<Store>();
   LoadVor(*store, dir.path() / "data" / kVorFileName);

@@ -232,7 +232,8 @@ TEST(Import, TheReaderHoldsWhatTheParserSawConverted) {
     TempDir dir;
     const auto files = test::SampleSources(style);
     std::ostringstream err;
-    const ImportResult result = RunImport({dir.path() / "data", WriteSources(dir, files)}, err);
+    const ImportResult result =
+        RunImport(SourcesImport(dir.path() / "data", WriteSources(dir, files)), err);
     EXPECT_EQ(result.status, 0) << err.str();
     EXPECT_EQ(result.airports, 5);
     auto store = std::make_unique<Store>();
@@ -255,7 +256,7 @@ const char* const kGood =
 
 ImportResult Import(const TempDir& dir, std::vector<std::filesystem::path> sources,
                     std::ostringstream& err) {
-  return RunImport({dir.path() / "data", std::move(sources)}, err);
+  return RunImport(SourcesImport(dir.path() / "data", std::move(sources)), err);
 }
 
 TEST(Import, ABrokenSourceIsToldAndTheOthersGoOn) {

@@ -1,6 +1,7 @@
 #include "shell/qt/main_window.h"
 
 #include <QAbstractItemView>
+#include <QAction>
 #include <QApplication>
 #include <QDropEvent>
 #include <QFileDialog>
@@ -12,14 +13,17 @@
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QScrollBar>
-#include <QShortcut>
 #include <QWheelEvent>
 #include <sstream>
+#include <tuple>
 
+#include "data/platform.h"
 #include "data/text.h"
+#include "import/library.h"
 #include "import/run.h"
 #include "shell/chart_name.h"
 #include "shell/chart_run.h"
+#include "shell/qt/import_dialogs.h"
 #include "shell/qt/pictures.h"
 #include "shell/qt/qt_paths.h"
 
@@ -179,6 +183,8 @@ MainWindow::MainWindow(std::filesystem::path dataDir, const std::string& command
     : store_(std::make_unique<Store>()), dataDir_(dataDir) {
   askPrinter = [this](QPrinter& printer) { return AskPrinter(this, printer); };
   askSavePath = [this](const QString& suggested) { return AskSavePath(this, suggested); };
+  askSimulatorFolder = [this] { return AskSimulatorFolder(this); };
+  askSceneryFile = [this](const QString& why) { return AskSceneryFile(this, why); };
   setWindowTitle("Velmora");
   setWindowIcon(MakeIcon());
   setAcceptDrops(true);
@@ -276,10 +282,22 @@ void MainWindow::placeControls() {
 void MainWindow::connectControls() {
   connect(txtSearch_, &QLineEdit::textEdited, this,
           [this](const QString& text) { form_->setSearchText(Utf8ToCp1252(text.toStdString())); });
-  connect(new QShortcut(QKeySequence::Print, this), &QShortcut::activated, this,
-          &MainWindow::printChart);
-  connect(new QShortcut(QKeySequence::Save, this), &QShortcut::activated, this,
-          &MainWindow::saveChart);
+  // The window's own actions, by key and by its context menu (the chart keeps its right
+  // button for the click that moves the view).
+  setContextMenuPolicy(Qt::ActionsContextMenu);
+  picArpt_->setContextMenuPolicy(Qt::PreventContextMenu);
+  const std::tuple<const char*, QKeySequence, void (MainWindow::*)()> actions[] = {
+      {"Import from the simulator...", QKeySequence(Qt::CTRL | Qt::Key_I),
+       &MainWindow::importFromSimulator},
+      {"Print...", QKeySequence::Print, &MainWindow::printChart},
+      {"Save...", QKeySequence::Save, &MainWindow::saveChart}};
+  for (const auto& [text, keys, slot] : actions) {
+    auto* action = new QAction(text, this);
+    action->setShortcut(keys);
+    action->setShortcutContext(Qt::WindowShortcut);
+    connect(action, &QAction::triggered, this, slot);
+    addAction(action);
+  }
   connect(picArpt_, &ChartView::zoomStep, this, [this](int direction) {
     QPushButton* button = direction > 0 ? cmdPlus_ : cmdMinus_;
     if (button->isEnabled()) button->click();
@@ -324,12 +342,38 @@ void MainWindow::dropEvent(QDropEvent* event) {
   const std::vector<std::filesystem::path> paths = LocalPaths(event->mimeData());
   if (paths.empty()) return;
   event->acceptProposedAction();
+  ImportOptions options = SourcesImport(dataDir_, paths);
+  // A library file dropped alone is the library of the simulator folder it stands in.
+  if (paths.size() == 1 && AsciiLowerCase(PathToUtf8(paths[0].extension())) == ".cfg") {
+    options.sources.clear();
+    options.simDir = paths[0].parent_path();
+    options.sceneryFile = paths[0];
+  }
+  importAndTell(options);
+}
+
+void MainWindow::importFromSimulator() {
+  const auto folder = askSimulatorFolder();
+  if (!folder) return;
+  ImportOptions options = SourcesImport(dataDir_, {});
+  options.simDir = *folder;
+  if (!FindSceneryFile(*folder, GetEnv("ProgramData"))) {
+    const auto cfg = askSceneryFile("No scenery.cfg found for " + ToQString(*folder) +
+                                    " - where is the simulator's scenery.cfg?");
+    if (!cfg) return;
+    options.sceneryFile = *cfg;
+  }
+  importAndTell(options);
+}
+
+void MainWindow::importAndTell(const ImportOptions& options) {
   setWindowTitle("Velmora - importing...");
   std::ostringstream messages;
-  const ImportResult result = RunImport({dataDir_, paths}, messages);
-  std::string caption = "Imported " + result.summary;
+  const ImportResult result = RunImportWithProgress(this, options, messages);
+  std::string caption =
+      result.unchanged || result.cancelled ? result.summary : "Imported " + result.summary;
   // A failure is named by the first message; velmora-import on a terminal tells them all.
-  if (result.status != 0) {
+  if (result.status != 0 && !result.cancelled) {
     const std::string all = messages.str();
     caption += " - " + all.substr(0, all.find('\n'));
   }

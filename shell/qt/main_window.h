@@ -12,6 +12,7 @@
 #include <optional>
 
 #include "data/store.h"
+#include "import/run.h"
 #include "shell/form.h"
 #include "shell/qt/qt_canvas.h"
 
@@ -84,9 +85,15 @@ class MainWindow final : public QWidget {
   // printer and says whether to print; askSavePath gets the suggested file name.
   std::function<bool(QPrinter&)> askPrinter;
   std::function<std::optional<SaveChoice>(const QString& suggested)> askSavePath;
+  // askSimulatorFolder gets the simulator folder; askSceneryFile its scenery.cfg where none
+  // is found for it, told why.
+  std::function<std::optional<std::filesystem::path>()> askSimulatorFolder;
+  std::function<std::optional<std::filesystem::path>(const QString& why)> askSceneryFile;
 
   void printChart();
   void saveChart();
+  // The scenery library of a simulator folder, as velmora-import --sim reads it.
+  void importFromSimulator();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -104,6 +111,8 @@ class MainWindow final : public QWidget {
   // A pick of cmbAPP's row, by the mouse or by the keyboard.
   void pick(int row);
   void pickShownRow();
+  // Runs the import under a progress bar and tells the result in the caption.
+  void importAndTell(const ImportOptions& options);
 
   std::unique_ptr<Store> store_;
   std::filesystem::path dataDir_;

@@ -93,7 +93,8 @@ class KitPdf final : public KitDocument {
 
   bool add(const KitPage& page, std::ostream& err) override {
     if (!painter_.isActive() ? !painter_.begin(&writer_) : !writer_.newPage()) {
-      err << "velmora-chart: cannot write the pages to " << PathToUtf8(pages_.parent_path()) << "\n";
+      err << "velmora-chart: cannot write the pages to " << PathToUtf8(pages_.parent_path())
+          << "\n";
       return false;
     }
     PaintPage(painter_, writer_, *page.picture, canvas_);

@@ -11,7 +11,7 @@ seeds=$build/fuzz-seeds
 work=$build/fuzz-corpus
 crashes=$build/fuzz-crashes
 rm -rf "$seeds"
-mkdir -p "$seeds"/{airport,index,vor,numbers,import} "$work"/{airport,index,vor,numbers,import} "$crashes"
+mkdir -p "$seeds"/{airport,index,vor,numbers,import,library} "$work"/{airport,index,vor,numbers,import,library} "$crashes"
 
 # Each airport of each sample file, and the index with each code in it: "CODE\n" then bytes.
 for file in sample/FSXFiles/*.txt; do
@@ -64,6 +64,10 @@ cat >"$seeds/import/decompiled" <<'XML'
   <Vor ident="XV" lat="49.3" lon="-123.3" type="HIGH" frequency="113.00" name="X V"/>
 </FSData>
 XML
+# A scenery library as FSX writes it, and the same in UTF-16 and with LF line ends.
+printf '[General]\r\nTitle=FS World\r\n\r\n[Area.001]\r\nTitle=Default Terrain\r\nLocal=Scenery\\World\r\nLayer=1\r\nActive=TRUE\r\nRequired=TRUE\r\n\r\n[Area.002]\r\nTitle=Addon\r\nLocal=C:\\Addon Scenery\\LEAR\r\nLayer=2\r\nActive=FALSE\r\n' >"$seeds/library/fsx"
+{ printf '\xff\xfe'; iconv -f UTF-8 -t UTF-16LE "$seeds/library/fsx"; } >"$seeds/library/utf16"
+tr -d '\r' <"$seeds/library/fsx" >"$seeds/library/lf"
 # Every quoted value of the samples and every field of the VOR list, one a file.
 n=0
 { grep -oh '="[^"]*"' sample/FSXFiles/*.txt | cut -d'"' -f2; tr ';' '\n' <sample/vor.nav; } |
@@ -73,7 +77,7 @@ n=0
 done
 
 status=0
-for target in airport index vor numbers import; do
+for target in airport index vor numbers import library; do
   log=$build/fuzz-$target.log
   if ! "$build/tests/fuzz/${target}_fuzz" -max_total_time="$seconds" -print_final_stats=1 \
     -artifact_prefix="$crashes/$target-" -rss_limit_mb=2048 "$work/$target" "$seeds/$target" \
