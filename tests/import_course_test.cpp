@@ -127,9 +127,13 @@ std::string ImportedCourse(const CourseCase& c) {
   const auto navaids = dir.write("src/navaids.xml", "<FSData>" + other + "</FSData>");
   std::ostringstream err;
   RunImport(SourcesImport(dir.path() / "data", {airport, navaids}), err);
+  const auto written = dir.path() / "data/FSXFiles/airport.xml";
+  const std::string bytes = test::Slurp(written);
+  for (std::size_t i = bytes.find('\n'); i != std::string::npos; i = bytes.find('\n', i + 1)) {
+    EXPECT_EQ(bytes[i - 1], '\r') << "a line end without CR around the course line";
+  }
   auto store = std::make_unique<Store>();
-  EXPECT_TRUE(ExtractArpt(*store, dir.path() / "data/FSXFiles/airport.xml", "XCRS").found)
-      << err.str();
+  EXPECT_TRUE(ExtractArpt(*store, written, "XCRS").found) << err.str();
   EXPECT_EQ(store->Leg[1].fixIdent, to);
   return store->Leg[1].magneticCourse;
 }
