@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -21,6 +20,7 @@
 #include "import/library.h"
 #include "import/library_state.h"
 #include "import/source_file.h"
+#include "import/units.h"
 #include "import/vor_merge.h"
 #include "import/writer.h"
 
@@ -30,9 +30,6 @@ namespace {
 // Where the files of an import wait until all are written: below FSXFiles, where neither the
 // index nor the chart looks, and removed whole when the import is cancelled.
 constexpr std::string_view kStagingName = ".velmora-import";
-
-// A navaid farther than this from the airport is not the one its approach means.
-constexpr double kFixReachNm = 300;
 
 // A file to import and the library layer it comes from (0 for sources named one by one).
 struct Input {
@@ -94,12 +91,6 @@ std::string TargetName(const std::filesystem::path& source, std::vector<std::str
   }
   taken.push_back(name);
   return name;
-}
-
-double DistanceNm(double lat1, double lon1, double lat2, double lon2) {
-  constexpr double kRadPerDeg = 3.14159265358979323846 / 180;
-  const double x = (lon2 - lon1) * std::cos((lat1 + lat2) / 2 * kRadPerDeg);
-  return std::hypot(x, lat2 - lat1) * 60;
 }
 
 using NavaidIndex = std::multimap<std::string, const NavaidText*>;
@@ -261,10 +252,20 @@ void DropReplacedAirports(std::vector<Source>& sources) {
   }
 }
 
+// Every source's VORs, in source order.
+std::vector<VorRecord> AllVors(const std::vector<Source>& sources) {
+  std::vector<VorRecord> vors;
+  for (const Source& s : sources) {
+    vors.insert(vors.end(), s.converted.vors.begin(), s.converted.vors.end());
+  }
+  return vors;
+}
+
 // The files of the sources that keep airports, into `staging`; a source read in outline is
 // read whole now, its own warnings told once.
 void WriteAirportFiles(std::vector<Source>& sources, const std::filesystem::path& staging,
                        ImportResult& result, Progress& progress, std::ostream& err) {
+  const std::vector<VorRecord> vors = AllVors(sources);
   NavaidIndex navaids;
   for (const Source& s : sources) {
     for (const NavaidText& n : s.converted.navaids) navaids.emplace(n.ident, &n);
@@ -297,7 +298,7 @@ void WriteAirportFiles(std::vector<Source>& sources, const std::filesystem::path
     const ConvertedSource& c = s.outline ? whole : s.converted;
     s.name = TargetName(s.input.path, taken);
     std::string error;
-    if (!WriteWhole(staging / PathFromUtf8(s.name), AirportFileText(c, Copies(c, navaids)),
+    if (!WriteWhole(staging / PathFromUtf8(s.name), AirportFileText(c, Copies(c, navaids), vors),
                     error)) {
       err << error << '\n';
       ++result.skipped;
@@ -424,10 +425,7 @@ bool OutputsStand(const std::filesystem::path& folder, const std::vector<std::st
 // The VORs merged, the index rebuilt, the library's state kept and the summary told.
 void Finish(const ImportOptions& options, const std::vector<Source>& sources, LibraryState* state,
             ImportResult& result, std::ostream& err) {
-  std::vector<VorRecord> vors;
-  for (const Source& s : sources) {
-    vors.insert(vors.end(), s.converted.vors.begin(), s.converted.vors.end());
-  }
+  const std::vector<VorRecord> vors = AllVors(sources);
   if (!vors.empty() && !MergeVors(options.dataDir / kVorFileName, vors, err).ok) ++result.skipped;
   if (result.files > 0) {
     std::ostringstream none;

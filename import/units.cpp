@@ -15,6 +15,14 @@ constexpr double kFootMetres = 0.3048;
 constexpr double kNauticalMileMetres = 1852.0;
 constexpr double kRhoPerNauticalMile = 2053.0;  // the overlay's DME label is rho / 2053
 constexpr char kDegreeMark = '\xB0';            // Windows-1252
+constexpr double kRadPerDeg = 3.14159265358979323846 / 180;
+// The decimals of the chart's own data, which the overlay cuts and the sheet prints as they stand.
+constexpr int kCourseDecimals = 1;  // the overlay cuts two characters
+constexpr int kMetreDecimals = 1;
+constexpr int kNavFrequencyDecimals = 2;  // "110.30"
+constexpr int kComFrequencyDecimals = 3;  // "118.300"
+constexpr int kNdbFrequencyDecimals = 1;  // "338.0"
+constexpr double kFrequencyLimit = 1e6;
 
 std::string_view Trim(std::string_view s) {
   while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
@@ -96,7 +104,7 @@ Converted Measured(std::string_view text, char target, char plain, char letter, 
   if (!(std::fabs(result) <= limit)) return Problem("out of range");
   const std::string suffix = letter == 0 ? "" : std::string(1, letter);
   if (unit == target) return {Keep(m, 2) + suffix, ""};
-  return {Fixed(result, letter == 'M' ? 1 : letter == 'F' ? 2 : 1) + suffix, ""};
+  return {Fixed(result, letter == 'M' ? kMetreDecimals : letter == 'F' ? 2 : 1) + suffix, ""};
 }
 
 // The reader's own form: letter, whole degrees, one blank, minutes.
@@ -150,6 +158,16 @@ std::optional<double> MarkedForm(std::string_view v, bool latitude) {
                                                                              : magnitude;
 }
 
+// A number the sheet prints as it stands, with the decimals of the chart's own data.
+Converted Decimals(std::string_view value, int decimals) {
+  const std::string_view v = Trim(value);
+  if (v.empty()) return {};
+  const auto n = SourceNumber(v);
+  if (!n) return Problem("not a number");
+  if (!(*n >= 0 && *n <= kFrequencyLimit)) return Problem("out of range");
+  return {Fixed(*n, decimals), ""};
+}
+
 }  // namespace
 
 std::optional<double> CoordinateDegrees(std::string_view value, bool latitude) {
@@ -171,6 +189,14 @@ Converted CoordinateValue(std::string_view value, bool latitude) {
 
 Converted LengthValue(std::string_view value) {
   return Measured(value, 'M', 'M', 'M', 1e6, 1.0);
+}
+
+Converted RunwaySizeValue(std::string_view value) {
+  Converted c = LengthValue(value);
+  if (c.text.empty()) return c;
+  // The runway list prints the size as written: metres with the sheet's one decimal.
+  c.text.pop_back();
+  return {Fixed(*ParseNumber(c.text), kMetreDecimals) + 'M', ""};
 }
 
 Converted AltitudeValue(std::string_view value) {
@@ -202,7 +228,7 @@ Converted CourseValue(std::string_view value) {
     return {std::string(v), ""};
   }
   const double course = *n < 0 ? *n + 360 : *n > 360 ? *n - 360 : *n;
-  return {Fixed(course, 1), ""};
+  return {Fixed(course, kCourseDecimals), ""};
 }
 
 Converted MagvarValue(std::string_view value) {
@@ -214,6 +240,40 @@ Converted MagvarValue(std::string_view value) {
   // BglComp writes east as negative; the reader counts 0 to 360, east above 180.
   if (*n < 0) return {Fixed(*n + 360, 3), ""};
   return {ParseNumber(v) ? std::string(v) : Fixed(*n, 3), ""};
+}
+
+Converted NavFrequencyValue(std::string_view value) {
+  return Decimals(value, kNavFrequencyDecimals);
+}
+
+Converted ComFrequencyValue(std::string_view value) {
+  return Decimals(value, kComFrequencyDecimals);
+}
+
+Converted NdbFrequencyValue(std::string_view value) {
+  return Decimals(value, kNdbFrequencyDecimals);
+}
+
+double DistanceNm(double lat1, double lon1, double lat2, double lon2) {
+  const double x = (lon2 - lon1) * std::cos((lat1 + lat2) / 2 * kRadPerDeg);
+  return std::hypot(x, lat2 - lat1) * 60;
+}
+
+double TrueCourse(double lat1, double lon1, double lat2, double lon2) {
+  const double p1 = lat1 * kRadPerDeg, p2 = lat2 * kRadPerDeg;
+  const double dl = (lon2 - lon1) * kRadPerDeg;
+  const double course =
+      std::atan2(std::sin(dl) * std::cos(p2),
+                 std::cos(p1) * std::sin(p2) - std::sin(p1) * std::cos(p2) * std::cos(dl)) /
+      kRadPerDeg;
+  return course < 0 ? course + 360 : course;
+}
+
+std::string MagneticCourseText(double trueCourse, std::string_view magvar) {
+  // In the reader's form (0 to 360) west lies below 180 and east is 360 less the variation, so
+  // adding it subtracts an east variation and adds a west one, modulo 360.
+  const auto variation = ParseNumber(MagvarValue(magvar).text);
+  return Fixed(std::fmod(trueCourse + variation.value_or(0), 360), kCourseDecimals);
 }
 
 }  // namespace velmora

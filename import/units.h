@@ -1,9 +1,10 @@
 #pragma once
 // The values of imported sources put into the form the chart reads: coordinate text, heights
 // and lengths in metres with "M", leg altitudes in feet with "F", rho in the reader's unit
-// (2053 to the nautical mile), courses with one decimal, magnetic variation from 0 to 360.
-// A value already in the reader's form is kept as written; one without a unit letter keeps the
-// reader's convention for its field.
+// (2053 to the nautical mile), courses with one decimal, magnetic variation from 0 to 360, and
+// the numbers the chart prints as they stand (headings, frequencies, runway sizes) with the
+// decimals of its own data. A value already in the reader's form is kept as written; one without
+// a unit letter keeps the reader's convention for its field.
 
 #include <optional>
 #include <string>
@@ -21,10 +22,22 @@ struct Converted {
 std::optional<double> CoordinateDegrees(std::string_view value, bool latitude);
 
 Converted CoordinateValue(std::string_view value, bool latitude);
-Converted LengthValue(std::string_view value);    // elevations, runway lengths and widths
-Converted AltitudeValue(std::string_view value);  // leg altitudes
+Converted LengthValue(std::string_view value);      // elevations
+Converted RunwaySizeValue(std::string_view value);  // runway lengths and widths
+Converted AltitudeValue(std::string_view value);    // leg altitudes
 Converted RhoValue(std::string_view value);
-Converted CourseValue(std::string_view value);
+Converted CourseValue(std::string_view value);  // leg courses and ILS headings
 Converted MagvarValue(std::string_view value);
+Converted NavFrequencyValue(std::string_view value);  // ILS and VOR
+Converted ComFrequencyValue(std::string_view value);
+Converted NdbFrequencyValue(std::string_view value);
+
+// Nautical miles between two positions, near enough for telling navaids of one ident apart.
+double DistanceNm(double lat1, double lon1, double lat2, double lon2);
+// Initial great-circle true course from the first position to the second, 0 to 360 degrees.
+double TrueCourse(double lat1, double lon1, double lat2, double lon2);
+// The course text a leg gets for `trueCourse` under the airport's `magvar` as its source writes
+// it (either form MagvarValue takes; none or unreadable counts as 0).
+std::string MagneticCourseText(double trueCourse, std::string_view magvar);
 
 }  // namespace velmora

@@ -5,6 +5,8 @@
 #include <functional>
 #include <string_view>
 
+#include "data/extract.h"
+#include "data/numbers.h"
 #include "data/text.h"
 #include "import/units.h"
 
@@ -12,6 +14,7 @@ namespace velmora {
 namespace {
 
 constexpr std::string_view kEol = "\r\n";
+constexpr std::string_view kCourseKey = "magneticCourse";
 
 // How the reader wants a record: `first` (and `second`, read by position) on the element line,
 // `pair` and `pairSecond` together on the next, then `reads` in order, the attributes it does
@@ -53,9 +56,8 @@ const std::array<Layout, 12> kLayouts = {{
     {"Transition", "transitionType", "", "", "", {"fixType", "fixIdent"}, "", true},
 }};
 const Layout kLegLayout = {
-    "Leg", "type",
-    "",    "",
-    "",    {"fixIdent", "rho", "magneticCourse", "altitude1", "altitude2", "recommendedIdent"},
+    "Leg", "type", "",
+    "",    "",     {"fixIdent", "rho", kCourseKey, "altitude1", "altitude2", "recommendedIdent"},
     "",    false};
 
 const Layout* LayoutOf(std::string_view element) {
@@ -80,14 +82,16 @@ Converter ConverterOf(std::string_view element, std::string_view key) {
                           element == "Ndb" || element == "Waypoint";
   if (positioned && key == "lat") return Lat;
   if (positioned && key == "lon") return Lon;
-  if ((element == "Airport" && key == "alt") ||
-      (element == "Runway" && (key == "length" || key == "width"))) {
-    return LengthValue;
-  }
+  if (element == "Airport" && key == "alt") return LengthValue;
+  if (element == "Runway" && (key == "length" || key == "width")) return RunwaySizeValue;
   if (element == "Airport" && key == "magvar") return MagvarValue;
+  if (element == "Ils" && key == "heading") return CourseValue;
+  if ((element == "Ils" || element == "Vor") && key == "frequency") return NavFrequencyValue;
+  if (element == "Com" && key == "frequency") return ComFrequencyValue;
+  if (element == "Ndb" && key == "frequency") return NdbFrequencyValue;
   if (element == "Leg" && (key == "altitude1" || key == "altitude2")) return AltitudeValue;
   if (element == "Leg" && key == "rho") return RhoValue;
-  if (element == "Leg" && key == "magneticCourse") return CourseValue;
+  if (element == "Leg" && key == kCourseKey) return CourseValue;
   return nullptr;
 }
 
@@ -97,6 +101,25 @@ std::string Escaped(const std::string& value) {
   return EscapeXml(value, "&<\"");
 }
 
+// Legs whose type ends in F (IF, TF, CF, DF, RF, AF, HF) end at their fix; the others end at
+// an altitude, a distance, a radial or wherever the pilot leaves them.
+bool EndsAtFix(const SourceElement& leg) {
+  const std::string* type = leg.attr("type");
+  return type != nullptr && type->size() == 2 && (type->back() & ~0x20) == 'F';
+}
+
+// Only a track-to-fix leg is flown along the track between its two fixes; FSX stores 0 for its
+// course. Other legs give their own course or none (an arc's chord or a direct leg's start is
+// no course to print).
+bool TrackGivesCourse(const SourceElement& leg) {
+  const std::string* type = leg.attr("type");
+  if (type == nullptr || UpperCase(*type) != "TF") return false;
+  const std::string* course = leg.attr(kCourseKey);
+  if (course == nullptr) return true;
+  const Converted c = CourseValue(*course);
+  return c.problem.empty() && (c.text.empty() || ParseNumber(c.text) == 0.0);
+}
+
 class Writer {
  public:
   Writer(std::string& out, const std::string& label, std::vector<std::string>& warnings)
@@ -104,6 +127,7 @@ class Writer {
 
   void element(const SourceElement& e, int depth);
   std::string value(const SourceElement& e, std::string_view key);
+  std::vector<CourseGap> takeGaps() { return std::move(gaps_); }
 
  private:
   void indent(int depth) { out_.append(static_cast<std::size_t>(depth) * 4, ' '); }
@@ -119,10 +143,14 @@ class Writer {
   void attr(const SourceElement& e, std::string_view key);
   void attributeLines(const SourceElement& e, const Layout& l, int depth);
   void children(const SourceElement& e, int depth);
+  void courseGap(const SourceElement& leg, int depth);
 
   std::string& out_;
   const std::string& label_;
   std::vector<std::string>& warnings_;
+  std::vector<CourseGap> gaps_;
+  std::string lastFix_;   // where the legs written so far end, empty when not at a fix
+  bool gapHere_ = false;  // the leg being written gets its course from its fixes
 };
 
 std::string Writer::value(const SourceElement& e, std::string_view key) {
@@ -171,7 +199,9 @@ void Writer::attributeLines(const SourceElement& e, const Layout& l, int depth) 
     }
   }
   for (std::string_view key : l.reads) {
-    if (e.attr(key)) {
+    if (gapHere_ && key == kCourseKey) {
+      courseGap(e, depth + 1);
+    } else if (e.attr(key)) {
       next(depth + 1);
       attr(e, key);
     }
@@ -191,11 +221,31 @@ void Writer::attributeLines(const SourceElement& e, const Layout& l, int depth) 
   }
 }
 
+// The course line is left out and its place noted; what the source gives is kept for the case
+// that a fix can't be placed.
+void Writer::courseGap(const SourceElement& leg, int depth) {
+  CourseGap g{out_.size(), lastFix_, *leg.attr("fixIdent"), std::string(kEol), ""};
+  g.lead.append(static_cast<std::size_t>(depth) * 4, ' ');
+  if (leg.attr(kCourseKey)) {
+    next(depth);
+    attr(leg, kCourseKey);
+    g.asGiven = out_.substr(g.at);
+    out_.resize(g.at);
+  }
+  gaps_.push_back(std::move(g));
+}
+
 void Writer::element(const SourceElement& e, int depth) {
   const Layout* l = LayoutOf(e.name);
   if (l == nullptr) return;
-  attributeLines(e, *l, depth);
+  // An approach's legs start anew, and so do a transition's; the missed approach goes on from
+  // the approach's last fix.
+  if (e.name == "Approach" || e.name == "Transition") lastFix_.clear();
   const bool leg = l == &kLegLayout;
+  const std::string* fix = e.attr("fixIdent");
+  gapHere_ = leg && fix != nullptr && !fix->empty() && !lastFix_.empty() && TrackGivesCourse(e);
+  attributeLines(e, *l, depth);
+  if (leg) lastFix_ = fix != nullptr && EndsAtFix(e) ? *fix : "";
   out_ += l->children ? ">" : leg ? "" : "/>";
   out_ += kEol;
   // A leg ends at a line that holds "/>" and nothing else.
@@ -284,6 +334,37 @@ std::optional<double> Degrees(const SourceElement& e, bool latitude) {
   return v ? CoordinateDegrees(*v, latitude) : std::nullopt;
 }
 
+// The airport's own fixes where the chart finds them: waypoints, NDBs, and runway ends under the
+// names the reader gives its start records.
+std::vector<FixPlace> OwnPlaces(const SourceElement& airport) {
+  std::vector<FixPlace> places;
+  for (const SourceElement& c : airport.children) {
+    const auto text = [&](std::string_view key) {
+      const std::string* v = c.attr(key);
+      return v ? *v : std::string();
+    };
+    FixPlace p;
+    if (c.name == "Waypoint") {
+      p = {text("waypointIdent"), FixKind::kWaypoint};
+    } else if (c.name == "Ndb") {
+      p = {text("ident"), FixKind::kNdb};
+    } else if (c.name == "Start") {
+      RwyEndRow row;
+      row.type = text("type");
+      row.number = text("number");
+      row.designator = text("designator");
+      p = {RunwayFixName(row), FixKind::kRunway};
+    }
+    const auto lat = Degrees(c, true);
+    const auto lon = Degrees(c, false);
+    if (p.ident.empty() || !lat || !lon) continue;
+    p.lat = *lat;
+    p.lon = *lon;
+    places.push_back(std::move(p));
+  }
+  return places;
+}
+
 void AddVor(const SourceElement& r, const std::string& label, ConvertedSource& out) {
   const auto lat = Degrees(r, true);
   const auto lon = Degrees(r, false);
@@ -296,7 +377,55 @@ void AddVor(const SourceElement& r, const std::string& label, ConvertedSource& o
     const std::string* v = r.attr(key);
     return v ? *v : std::string();
   };
-  out.vors.push_back({text("name"), text("type"), text("ident"), text("frequency"), *lat, *lon});
+  // The list's frequency prints as it stands, as an ILS frequency does.
+  std::string unused;
+  const std::string frequency = Writer(unused, label, out.warnings).value(r, "frequency");
+  out.vors.push_back({text("name"), text("type"), text("ident"), frequency, *lat, *lon});
+}
+
+std::optional<FixPlace> NearestVor(const std::string& ident, const AirportText& a,
+                                   const std::vector<VorRecord>& vors) {
+  std::optional<FixPlace> best;
+  double bestNm = kFixReachNm;
+  if (!a.lat || !a.lon) return best;
+  for (const VorRecord& v : vors) {
+    const double nm = DistanceNm(*a.lat, *a.lon, v.lat, v.lon);
+    if (v.ident == ident && nm <= bestNm) {
+      best = FixPlace{ident, FixKind::kVor, v.lat, v.lon};
+      bestNm = nm;
+    }
+  }
+  return best;
+}
+
+// Where the chart will find `ident` for the airport: in the chart's order of tables, its own
+// fixes before those copied in, and of the VORs the nearest within reach.
+std::optional<FixPlace> PlaceOf(const std::string& ident, const AirportText& a,
+                                const std::vector<const NavaidText*>& copies,
+                                const std::vector<VorRecord>& vors) {
+  for (const FixKind kind : {FixKind::kWaypoint, FixKind::kNdb, FixKind::kVor, FixKind::kRunway}) {
+    for (const FixPlace& p : a.places) {
+      if (p.kind == kind && p.ident == ident) return p;
+    }
+    for (const NavaidText* n : copies) {
+      const FixKind copied = n->ndb ? FixKind::kNdb : FixKind::kWaypoint;
+      if (copied == kind && n->ident == ident) return FixPlace{ident, kind, n->lat, n->lon};
+    }
+    if (kind == FixKind::kVor) {
+      if (auto vor = NearestVor(ident, a, vors)) return vor;
+    }
+  }
+  return std::nullopt;
+}
+
+std::string CourseLine(const CourseGap& g, const AirportText& a,
+                       const std::vector<const NavaidText*>& copies,
+                       const std::vector<VorRecord>& vors) {
+  const auto from = PlaceOf(g.from, a, copies, vors);
+  const auto to = PlaceOf(g.to, a, copies, vors);
+  if (!from || !to || (from->lat == to->lat && from->lon == to->lon)) return g.asGiven;
+  const double course = TrueCourse(from->lat, from->lon, to->lat, to->lon);
+  return g.lead + std::string(kCourseKey) + "=\"" + MagneticCourseText(course, a.magvar) + '"';
 }
 
 }  // namespace
@@ -310,7 +439,8 @@ ConvertedSource ConvertSource(const SourceTree& source, const std::string& label
     }
     const bool airport = r.name == "Airport";
     std::string text;
-    Writer(text, label, out.warnings).element(r, airport ? 0 : 1);
+    Writer writer(text, label, out.warnings);
+    writer.element(r, airport ? 0 : 1);
     const std::string* ident = r.attr(r.name == "Waypoint" ? "waypointIdent" : "ident");
     if (airport) {
       AirportText& a = out.airports.emplace_back();
@@ -319,6 +449,9 @@ ConvertedSource ConvertSource(const SourceTree& source, const std::string& label
       a.lat = Degrees(r, true);
       a.lon = Degrees(r, false);
       CollectWanted(r, a);
+      if (const std::string* magvar = r.attr("magvar")) a.magvar = *magvar;
+      a.places = OwnPlaces(r);
+      a.gaps = writer.takeGaps();
       continue;
     }
     const auto lat = Degrees(r, true);
@@ -330,7 +463,9 @@ ConvertedSource ConvertSource(const SourceTree& source, const std::string& label
 }
 
 std::string AirportFileText(const ConvertedSource& source,
-                            const std::vector<std::vector<const NavaidText*>>& copies) {
+                            const std::vector<std::vector<const NavaidText*>>& copies,
+                            const std::vector<VorRecord>& vors) {
+  static const std::vector<const NavaidText*> kNone;
   std::string out;
   out += "<?xml version=\"1.0\" encoding=\"Windows-1252\"?>";
   out += kEol;
@@ -339,10 +474,16 @@ std::string AirportFileText(const ConvertedSource& source,
       "xsi:noNamespaceSchemaLocation=\"bglcomp.xsd\">";
   out += kEol;
   for (std::size_t i = 0; i < source.airports.size(); ++i) {
-    out += source.airports[i].text;
-    if (i < copies.size()) {
-      for (const NavaidText* n : copies[i]) out += n->text;
+    const AirportText& a = source.airports[i];
+    const auto& copied = i < copies.size() ? copies[i] : kNone;
+    std::size_t at = 0;
+    for (const CourseGap& g : a.gaps) {
+      out.append(a.text, at, g.at - at);
+      out += CourseLine(g, a, copied, vors);
+      at = g.at;
     }
+    out.append(a.text, at);
+    for (const NavaidText* n : copied) out += n->text;
     out += "</Airport>";
     out += kEol;
     out += kEol;

@@ -3,6 +3,7 @@
 // element word and first attribute on one line, every further attribute on a line of its own,
 // the attributes the reader reads in its order, the one that closes a record last.
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,12 +26,36 @@ struct WantedFix {
   bool ndb = false;
 };
 
+// A navaid farther than this from the airport is not the one its approach means.
+inline constexpr double kFixReachNm = 300;
+
+// The tables the chart looks for a fix in, in its order.
+enum class FixKind { kWaypoint, kNdb, kVor, kRunway };
+
+struct FixPlace {
+  std::string ident;
+  FixKind kind = FixKind::kWaypoint;
+  double lat = 0, lon = 0;
+};
+
+// A track-to-fix leg without course (FSX stores 0): the track between its fixes gives it, once
+// every navaid the airport may copy is known.
+struct CourseGap {
+  std::size_t at = 0;    // where in the airport's text its attribute line goes
+  std::string from, to;  // the fix the previous leg ends at, the leg's own
+  std::string lead;      // line end and indent in front of the attribute
+  std::string asGiven;   // the line as the source gives it, for fixes that can't be placed
+};
+
 struct AirportText {
   std::string ident;
   std::string text;  // from <Airport up to, not including, </Airport>
   std::vector<WantedFix> wanted;
   std::optional<double> lat, lon;
   int approaches = 0;
+  std::string magvar;            // as the source writes it
+  std::vector<FixPlace> places;  // its own waypoints, NDBs and runway ends
+  std::vector<CourseGap> gaps;   // in text order
 };
 
 struct VorRecord {
@@ -49,8 +74,10 @@ struct ConvertedSource {
 ConvertedSource ConvertSource(const SourceTree& source, const std::string& label);
 
 // The whole file: declaration, the airports with `copies[i]` (navaid texts) before the i-th
-// airport's end, CR LF line ends.
+// airport's end, CR LF line ends. The courses of the gaps come from the fixes' places among
+// the airport's own, its copies and `vors`.
 std::string AirportFileText(const ConvertedSource& source,
-                            const std::vector<std::vector<const NavaidText*>>& copies);
+                            const std::vector<std::vector<const NavaidText*>>& copies,
+                            const std::vector<VorRecord>& vors);
 
 }  // namespace velmora

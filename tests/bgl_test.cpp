@@ -25,7 +25,7 @@ namespace {
 using test::TempDir;
 namespace fs = std::filesystem;
 
-const fs::path kRealDir = VELMORA_REAL_BGL_DIR;
+const fs::path kRealDir = fs::path(VELMORA_REALDATA_DIR) / "bgl";
 
 #define SKIP_WITHOUT_REAL_DATA()                                  \
   if (!fs::is_directory(kRealDir))                                \
@@ -312,9 +312,7 @@ std::vector<std::string> Road(const fs::path& dataDir, const std::string& code) 
 struct RoadCase {
   std::string file, code;
   int approaches;
-  // Lines that differ only in numbers the binary moved (a coordinate's last minute digit) or
-  // that a hand-written source writes otherwise (110.3500 for 110.350, 179.580000 for the
-  // float's 179.580001831055).
+  // Lines that differ only in numbers the binary moved: a coordinate's last minute digit.
   int numericallySame;
 };
 
@@ -346,8 +344,8 @@ TEST(BglReal, TheChartOfEveryApproachIsTheXmlsChart) {
   SKIP_WITHOUT_REAL_DATA();
   const std::vector<RoadCase> cases = {
       {"avs-code-Prepar3D_LEAB_LEAR_ADEX_ARV187.bgl", "LEAR", 2, 0},
-      {"ColinM9991-BglReader_KTST_TestAirport_v5.BGL", "KTST", 1, 3},
-      {"ColinM9991-BglReader_KTST_TestAirport_v6.bgl", "KTST", 1, 3},
+      {"ColinM9991-BglReader_KTST_TestAirport_v5.BGL", "KTST", 1, 2},
+      {"ColinM9991-BglReader_KTST_TestAirport_v6.bgl", "KTST", 1, 2},
       {"avs-code-Prepar3D_LEAB_LEAB_ADEP5_ARV187.bgl", "LEAB", 4, 0},
   };
   for (const RoadCase& c : cases) {

@@ -65,6 +65,19 @@ TEST(ImportUnits, ConvertsToTheReadersForm) {
       {"355.000", MagvarValue, "355.000"},
       {"6.5", MagvarValue, "6.5"},
       {"-400", MagvarValue, "", true},
+      {"279.940002441406", CourseValue, "279.9"},
+      {"30.48M", RunwaySizeValue, "30.5M"},
+      {"3200.4M", RunwaySizeValue, "3200.4M"},
+      {"10500F", RunwaySizeValue, "3200.4M"},
+      {"1e308M", RunwaySizeValue, "", true},
+      {"109.700", NavFrequencyValue, "109.70"},
+      {"110.30", NavFrequencyValue, "110.30"},
+      {"136.9750", ComFrequencyValue, "136.975"},
+      {"0350.00", NdbFrequencyValue, "350.0"},
+      {"415.55", NdbFrequencyValue, "415.6"},
+      {"-118.3", ComFrequencyValue, "", true},
+      {"1e9", NavFrequencyValue, "", true},
+      {"VHF", NavFrequencyValue, "", true},
   };
   for (const UnitCase& c : cases) {
     const Converted got = c.convert(c.source);
@@ -78,7 +91,12 @@ std::string Expected(const SourceElement& e, std::string_view key) {
   const std::string* v = e.attr(key);
   if (v == nullptr) return {};
   if (key == "lat" || key == "lon") return CoordinateValue(*v, key == "lat").text;
-  if (key == "alt" || key == "length" || key == "width") return LengthValue(*v).text;
+  if (key == "alt") return LengthValue(*v).text;
+  if (key == "length" || key == "width") return RunwaySizeValue(*v).text;
+  if (e.name == "Ils" && key == "heading") return CourseValue(*v).text;
+  if (e.name == "Ils" && key == "frequency") return NavFrequencyValue(*v).text;
+  if (e.name == "Com" && key == "frequency") return ComFrequencyValue(*v).text;
+  if (e.name == "Ndb" && key == "frequency") return NdbFrequencyValue(*v).text;
   if (key == "magvar") return MagvarValue(*v).text;
   if (key == "altitude1" || key == "altitude2") return AltitudeValue(*v).text;
   if (key == "rho") return RhoValue(*v).text;

@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (std::size_t i = 0; i < copies.size(); ++i) {
     for (const velmora::NavaidText& n : converted.navaids) copies[i].push_back(&n);
   }
-  const std::string text = velmora::AirportFileText(converted, copies);
+  const std::string text = velmora::AirportFileText(converted, copies, converted.vors);
   for (const velmora::VorRecord& v : converted.vors) velmora::VorLine(v);
   static velmora::Store& store = *new velmora::Store;  // its tables are large
   for (const velmora::AirportText& a : converted.airports) {
