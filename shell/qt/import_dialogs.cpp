@@ -8,18 +8,29 @@
 
 namespace velmora {
 
+namespace {
+
+// A dialog object as the save dialog uses, which draws itself on every desktop; the static
+// helpers may hand over to a desktop portal that draws nothing where none runs.
+std::optional<std::filesystem::path> AskPath(QWidget* parent, const QString& title,
+                                             QFileDialog::FileMode mode, const QString& filter) {
+  QFileDialog dialog(parent, title);
+  dialog.setFileMode(mode);
+  if (mode == QFileDialog::Directory) dialog.setOption(QFileDialog::ShowDirsOnly);
+  if (!filter.isEmpty()) dialog.setNameFilter(filter);
+  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+  return ToPath(dialog.selectedFiles().front());
+}
+
+}  // namespace
+
 std::optional<std::filesystem::path> AskSimulatorFolder(QWidget* parent) {
-  const QString dir = QFileDialog::getExistingDirectory(
-      parent, "Import from the simulator: its folder (where fsx.exe or Prepar3D.exe is)");
-  if (dir.isEmpty()) return std::nullopt;
-  return ToPath(dir);
+  return AskPath(parent, "Import from the simulator: its folder (where fsx.exe or Prepar3D.exe is)",
+                 QFileDialog::Directory, "");
 }
 
 std::optional<std::filesystem::path> AskSceneryFile(QWidget* parent, const QString& why) {
-  const QString file =
-      QFileDialog::getOpenFileName(parent, why, QString(), "Scenery library (scenery.cfg *.cfg)");
-  if (file.isEmpty()) return std::nullopt;
-  return ToPath(file);
+  return AskPath(parent, why, QFileDialog::ExistingFile, "Scenery library (scenery.cfg *.cfg)");
 }
 
 ImportResult RunImportWithProgress(QWidget* parent, ImportOptions options, std::ostream& messages) {
