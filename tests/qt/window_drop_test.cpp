@@ -128,15 +128,20 @@ void WatchProgress(MainWindow& w, Seen& seen, bool cancel) {
   timer->start(0);
 }
 
-TEST(WindowImport, CtrlIImportsTheSimulatorsLibraryUnderAProgressBar) {
-  TempDir dir;
-  const auto sim = MakeSimulator(dir);
-  MainWindow w(dir.path() / "data", "");
-  w.askSimulatorFolder = [&] { return std::optional(sim); };
+// Ctrl+I on the shown window, the simulator folder chosen; what its progress bar showed.
+Seen ImportByCtrlI(MainWindow& w, const std::filesystem::path& sim, bool cancel) {
+  w.askSimulatorFolder = [sim] { return std::optional(sim); };
   ShowActive(w);
   Seen seen;
-  WatchProgress(w, seen, false);
+  WatchProgress(w, seen, cancel);
   QTest::keyClick(&w, Qt::Key_I, Qt::ControlModifier);
+  return seen;
+}
+
+TEST(WindowImport, CtrlIImportsTheSimulatorsLibraryUnderAProgressBar) {
+  TempDir dir;
+  MainWindow w(dir.path() / "data", "");
+  const Seen seen = ImportByCtrlI(w, MakeSimulator(dir), false);
   EXPECT_TRUE(seen.shown);
   EXPECT_EQ(seen.maximum, 2);
   EXPECT_EQ(seen.label.toStdString(), "Reading file 2 of 2");
@@ -154,13 +159,8 @@ TEST(WindowImport, CtrlIImportsTheSimulatorsLibraryUnderAProgressBar) {
 
 TEST(WindowImport, CancelLeavesTheDataAsItWas) {
   TempDir dir;
-  const auto sim = MakeSimulator(dir);
   MainWindow w(dir.path() / "data", "");
-  w.askSimulatorFolder = [&] { return std::optional(sim); };
-  ShowActive(w);
-  Seen seen;
-  WatchProgress(w, seen, true);
-  QTest::keyClick(&w, Qt::Key_I, Qt::ControlModifier);
+  const Seen seen = ImportByCtrlI(w, MakeSimulator(dir), true);
   EXPECT_TRUE(seen.shown);
   EXPECT_EQ(w.windowTitle().toStdString(), "import cancelled - nothing changed");
   EXPECT_FALSE(std::filesystem::exists(dir.path() / "data/FSXFiles/XAAA.xml"));
