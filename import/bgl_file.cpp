@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "data/files.h"
+#include "data/runway_text.h"
 #include "data/text.h"
 
 namespace velmora {
@@ -247,8 +248,6 @@ constexpr std::array<std::string_view, 24> kSurfaces = {
     "STEEL_MATS", "BITUMINOUS", "BRICK", "MACADAM", "PLANKS",  "SAND",  "SHALE",  "TARMAC"};
 constexpr std::array<std::string_view, 7> kDesignators = {"NONE",  "LEFT", "RIGHT", "CENTER",
                                                           "WATER", "A",    "B"};
-constexpr std::array<std::string_view, 8> kCompass = {"NORTH", "NORTHEAST", "EAST", "SOUTHEAST",
-                                                      "SOUTH", "SOUTHWEST", "WEST", "NORTHWEST"};
 constexpr std::array<std::string_view, 16> kComTypes = {"",
                                                         "ATIS",
                                                         "MULTICOM",
@@ -292,7 +291,7 @@ bool HasCourse(unsigned type) {
 }
 
 std::string RunwayNumber(unsigned n) {
-  if (n >= 37 && n <= 44) return std::string(kCompass[n - 37]);
+  if (n >= 37 && n <= 44) return std::string(kRunwayCompassNames[n - 37]);
   char text[8];
   std::snprintf(text, sizeof text, "%02u", n);
   return text;

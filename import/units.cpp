@@ -200,7 +200,8 @@ Converted RunwaySizeValue(std::string_view value) {
 }
 
 Converted AltitudeValue(std::string_view value) {
-  return Measured(value, 'F', 'F', 'F', 1e7, 1 / kFootMetres);
+  // Without a letter metres, as BglComp takes it.
+  return Measured(value, 'F', 'M', 'F', 1e7, 1 / kFootMetres);
 }
 
 Converted RhoValue(std::string_view value) {

@@ -4,7 +4,7 @@
 // (2053 to the nautical mile), courses with one decimal, magnetic variation from 0 to 360, and
 // the numbers the chart prints as they stand (headings, frequencies, runway sizes) with the
 // decimals of its own data. A value already in the reader's form is kept as written; one without
-// a unit letter keeps the reader's convention for its field.
+// a unit letter is metres, as BglComp takes it, but rho, which is then in the reader's unit.
 
 #include <optional>
 #include <string>

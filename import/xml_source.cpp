@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "data/files.h"
+#include "data/runway_text.h"
 #include "data/text.h"
 
 namespace velmora {
@@ -31,6 +32,7 @@ constexpr std::array kRules = {
     Rule{Kind::kAirport, "Waypoint", Kind::kSkip},
     Rule{Kind::kAirport, "Approach", Kind::kApproach},
     Rule{Kind::kRunway, "Ils", Kind::kSkip},
+    Rule{Kind::kRunway, "RunwayStart", Kind::kSkip},
     Rule{Kind::kApproach, "ApproachLegs", Kind::kLegGroup},
     Rule{Kind::kApproach, "MissedApproachLegs", Kind::kLegGroup},
     Rule{Kind::kApproach, "Transition", Kind::kTransition},
@@ -50,6 +52,42 @@ struct Frame {
 
 bool SameNoCase(std::string_view a, std::string_view b) {
   return a.size() == b.size() && ContainsNoCase(a, b);
+}
+
+// BglComp compiles a runway's <RunwayStart> into the same start record as an airport's
+// <Start>, named by the runway end it gives: so it becomes that <Start>.
+SourceElement StartOfRunwayEnd(SourceElement start, const SourceElement& runway) {
+  const std::string* end = start.attr("end");
+  const bool secondary = end != nullptr && SameNoCase(*end, "SECONDARY");
+  std::erase_if(start.attrs, [](const auto& a) {
+    return a.first == "end" || a.first == "number" || a.first == "designator";
+  });
+  start.name = "Start";
+  std::vector<std::pair<std::string, std::string>> names;
+  if (const std::string* number = runway.attr("number")) {
+    std::string n = secondary ? ReciprocalRunwayNumber(*number) : *number;
+    if (!n.empty()) names.emplace_back("number", std::move(n));
+  }
+  if (const std::string* designator = runway.attr("designator")) {
+    names.emplace_back("designator",
+                       secondary ? std::string(ReciprocalDesignator(*designator)) : *designator);
+  }
+  start.attrs.insert(start.attrs.begin(), names.begin(), names.end());
+  return start;
+}
+
+// The runway's starts, taken out of it, in file order.
+std::vector<SourceElement> TakeRunwayStarts(SourceElement& runway) {
+  std::vector<SourceElement> starts, kept;
+  for (SourceElement& c : runway.children) {
+    if (c.name == "RunwayStart") {
+      starts.push_back(StartOfRunwayEnd(std::move(c), runway));
+    } else {
+      kept.push_back(std::move(c));
+    }
+  }
+  runway.children = std::move(kept);
+  return starts;
 }
 
 }  // namespace
@@ -113,9 +151,15 @@ struct XmlSourceReader::Impl {
   void end() {
     if (skipDepth > 0) {
       --skipDepth;
-    } else if (!stack.empty()) {
-      stack.pop_back();
+      return;
     }
+    if (stack.empty()) return;
+    const Frame done = stack.back();
+    stack.pop_back();
+    if (done.kind != Kind::kRunway || stack.empty()) return;
+    // Taken out first: adding to the airport's children may move the runway.
+    std::vector<SourceElement> starts = TakeRunwayStarts(*done.element);
+    for (SourceElement& s : starts) stack.back().element->children.push_back(std::move(s));
   }
 };
 

@@ -185,58 +185,13 @@ bool ZeroOrAbsent(const std::string* v) {
   return n && *n == 0;
 }
 
-// The XML as BglComp compiles it: a <RunwayStart> inside a <Runway> becomes the same Start
-// record (0x11) as an airport's <Start>, which is how the binary and its decompilers give it
-// back, while the XML reader keeps no RunwayStart. So those become airport <Start>s here, with
-// the number and designator of their runway end.
-std::string XmlAsCompiled(const fs::path& xml) {
-  std::string text = test::Slurp(xml);
-  std::string moved;
-  for (std::size_t at; (at = text.find("<RunwayStart")) != std::string::npos;) {
-    const std::size_t end = text.find("/>", at) + 2;
-    std::string element = text.substr(at, end - at);
-    text.erase(at, end - at);
-    const std::size_t runway = text.rfind("<Runway", at);
-    const auto value = [&](const std::string& from, std::size_t pos, const std::string& key) {
-      const std::size_t k = from.find(" " + key + "=\"", pos);
-      const std::size_t v = from.find('"', k) + 1;
-      return from.substr(v, from.find('"', v) - v);
-    };
-    const std::string number = value(text, runway, "number");
-    std::string designator = value(text, runway, "designator");
-    std::string n = number;
-    if (value(element, 0, "end") == "SECONDARY") {
-      n = std::to_string((std::stoi(number) + 17) % 36 + 1);
-      designator = designator == "LEFT" ? "RIGHT" : designator == "RIGHT" ? "LEFT" : designator;
-    }
-    element.replace(0, 12, "<Start number=\"" + n + "\" designator=\"" + designator + "\"");
-    moved += element + "\n";
-  }
-  const std::size_t close = text.find("</Airport>");
-  if (close != std::string::npos) text.insert(close, moved);
-  // A leg altitude without a unit letter is metres to BglComp (the importer takes feet).
-  for (const std::string key : {" altitude1=\"", " altitude2=\""}) {
-    for (std::size_t at = 0; (at = text.find(key, at)) != std::string::npos; ++at) {
-      const std::size_t end = text.find('"', at + key.size());
-      if (end > at + key.size() && std::isdigit(static_cast<unsigned char>(text[end - 1]))) {
-        text.insert(end, "M");
-      }
-    }
-  }
-  return text;
-}
-
-SourceTree XmlTree(const fs::path& xml) {
-  return ParseXmlSource(XmlAsCompiled(xml));
-}
-
 TEST(BglReal, CountsAndValuesEqualTheirXml) {
   SKIP_WITHOUT_REAL_DATA();
   int compared = 0, files = 0;
   for (const fs::path& bgl : RealBgls()) {
     if (!fs::exists(XmlBeside(bgl))) continue;
     ++files;
-    const SourceTree b = ReadBglFile(bgl), x = XmlTree(XmlBeside(bgl));
+    const SourceTree b = ReadBglFile(bgl), x = ReadXmlSource(XmlBeside(bgl));
     ASSERT_TRUE(b.ok() && x.ok()) << bgl;
     const auto be = Elements(b), xe = Elements(x);
     for (const auto& [path, keys] : kChartKeys) {
@@ -352,9 +307,7 @@ TEST(BglReal, TheChartOfEveryApproachIsTheXmlsChart) {
     TempDir dir;
     std::vector<std::string> roads[2];
     for (int i = 0; i < 2; ++i) {
-      const fs::path source =
-          i == 0 ? kRealDir / c.file
-                 : dir.write(XmlBeside(c.file), XmlAsCompiled(XmlBeside(kRealDir / c.file)));
+      const fs::path source = i == 0 ? kRealDir / c.file : XmlBeside(kRealDir / c.file);
       const fs::path data = dir.path() / (i == 0 ? "bgl" : "xml");
       std::ostringstream err;
       const ImportResult r = RunImport(SourcesImport(data, {source}), err);

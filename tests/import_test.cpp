@@ -52,7 +52,7 @@ TEST(ImportUnits, ConvertsToTheReadersForm) {
       {"1e308M", LengthValue, "", true},
       {"1694.688M", AltitudeValue, "5560.00F"},
       {"5000.00F", AltitudeValue, "5000.00F"},
-      {"5000", AltitudeValue, "5000F"},
+      {"1524", AltitudeValue, "5000.00F"},
       {"14264.05M", RhoValue, "15812.1"},
       {"36338.1", RhoValue, "36338.1"},
       {"2N", RhoValue, "4106.0"},
@@ -356,6 +356,40 @@ TEST(Import, VorsJoinTheListOnceAndWithinItsLength) {
   EXPECT_NE(full.str().find("1 VORs left out - the list holds at most 8,001 lines"),
             std::string::npos)
       << full.str();
+}
+
+struct RunwayStartCase {
+  std::string number, designator, end;  // the runway's, and the end the start names
+  std::string startNumber, startDesignator;
+};
+
+// BglComp compiles a <RunwayStart> into the start record of the runway end it names.
+TEST(Import, ARunwayStartIsTheStartOfItsEnd) {
+  const std::vector<RunwayStartCase> cases = {
+      {"18", "NONE", "PRIMARY", "18", "NONE"},
+      {"18", "NONE", "SECONDARY", "36", "NONE"},
+      {"9", "LEFT", "SECONDARY", "27", "RIGHT"},
+      {"27", "RIGHT", "SECONDARY", "09", "LEFT"},
+      {"36", "CENTER", "SECONDARY", "18", "CENTER"},
+      {"NORTHEAST", "NONE", "SECONDARY", "SOUTHWEST", "NONE"},
+      {"16", "RIGHT", "PRIMARY", "16", "RIGHT"},
+  };
+  for (const RunwayStartCase& c : cases) {
+    const SourceTree t = ParseXmlSource("<FSData><Airport ident=\"XRWS\"><Runway number=\"" +
+                                        c.number + "\" designator=\"" + c.designator +
+                                        "\"><RunwayStart type=\"RUNWAY\" lat=\"10\" end=\"" +
+                                        c.end + "\"/></Runway></Airport></FSData>");
+    ASSERT_EQ(t.records.size(), 1u) << t.error;
+    const auto starts = Children(t.records[0], "Start");
+    ASSERT_EQ(starts.size(), 1u) << c.number << " " << c.end;
+    ASSERT_NE(starts[0]->attr("number"), nullptr);
+    ASSERT_NE(starts[0]->attr("designator"), nullptr);
+    EXPECT_EQ(*starts[0]->attr("number"), c.startNumber) << c.number << " " << c.end;
+    EXPECT_EQ(*starts[0]->attr("designator"), c.startDesignator) << c.number << " " << c.end;
+    EXPECT_EQ(starts[0]->attr("end"), nullptr) << "the end is in the number";
+    EXPECT_EQ(*starts[0]->attr("lat"), "10");
+    EXPECT_TRUE(Children(*Children(t.records[0], "Runway")[0], "RunwayStart").empty());
+  }
 }
 
 struct HostileCase {

@@ -1,5 +1,6 @@
 #include "tests/import/layouts.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -60,7 +61,11 @@ std::string Converted(const std::string& element, const std::string& key, const 
     return s.lengthUnit == 'M' ? v : UnitIn(v, metres, s.lengthUnit, true);
   }
   if (element == "Leg" && (key == "altitude1" || key == "altitude2")) {
-    return s.altitudeUnit == 'F' ? v : UnitIn(v, feet, s.altitudeUnit, true);
+    if (s.altitudeUnit != 0)
+      return s.altitudeUnit == 'F' ? v : UnitIn(v, feet, s.altitudeUnit, true);
+    // Without a letter a leg altitude is metres.
+    const std::string metres = UnitIn(v, feet, 'M', true);
+    return metres.substr(0, metres.size() - 1);
   }
   if (element == "Leg" && key == "rho") return UnitIn(v, rho, s.rhoUnit, false);
   if (element == "Airport" && key == "magvar" && s.bglMagvar && *ParseNumber(v) > 180) {
@@ -136,6 +141,34 @@ SourceElement VorRecord(const VorRow& row) {
   return v;
 }
 
+// Each start that names a runway's first end goes into that runway as a <RunwayStart>, and the
+// start behind it in the sample, the other end's, with it.
+void IntoRunways(SourceElement& airport) {
+  std::vector<SourceElement> kept;
+  constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+  std::size_t runway = kNone;  // in `kept`, whose second end comes next
+  for (SourceElement& c : airport.children) {
+    const auto own = std::find_if(kept.begin(), kept.end(), [&](const SourceElement& r) {
+      return c.name == "Start" && r.name == "Runway" && *r.attr("number") == *c.attr("number") &&
+             *r.attr("designator") == *c.attr("designator");
+    });
+    const bool primary = own != kept.end();
+    if (primary) runway = static_cast<std::size_t>(own - kept.begin());
+    if (c.name != "Start" || runway == kNone) {
+      kept.push_back(std::move(c));
+      continue;
+    }
+    SourceElement start{"RunwayStart", {}, {}, c.line};
+    for (auto& a : c.attrs) {
+      if (a.first != "number" && a.first != "designator") start.attrs.push_back(a);
+    }
+    start.attrs.emplace_back("end", primary ? "PRIMARY" : "SECONDARY");
+    kept[runway].children.push_back(std::move(start));
+    if (!primary) runway = kNone;
+  }
+  airport.children = std::move(kept);
+}
+
 }  // namespace
 
 std::vector<SourceStyle> SourceStyles() {
@@ -168,6 +201,7 @@ std::vector<SourceStyle> SourceStyles() {
   add("utf-8", [](SourceStyle& s) { s.encoding = Encoding::kUtf8; });
   add("iso-8859-1", [](SourceStyle& s) { s.encoding = Encoding::kLatin1; });
   add("navaids-apart", [](SourceStyle& s) { s.navaidsApart = true; });
+  add("runway-starts", [](SourceStyle& s) { s.runwayStarts = true; });
   return styles;
 }
 
@@ -180,6 +214,7 @@ std::vector<SourceFile> SampleSources(const SourceStyle& style) {
     SourceTree source = ReadXmlSource(sample / "FSXFiles" / name);
     std::vector<const SourceElement*> records;
     for (SourceElement& airport : source.records) {
+      if (style.runwayStarts) IntoRunways(airport);
       if (style.navaidsApart) {
         for (const SourceElement& c : airport.children) {
           if (c.name == "Ndb" || c.name == "Waypoint") navaids.push_back(c);

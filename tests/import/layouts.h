@@ -22,6 +22,7 @@ struct SourceStyle {
   enum class Encoding { kCp1252, kUtf8, kLatin1 } encoding = Encoding::kCp1252;
   bool navaidsApart = false;  // NDBs, waypoints and the VOR list in a navaid file of their own
   bool clutter = false;       // taxiway points, scenery objects and comments around the records
+  bool runwayStarts = false;  // each start as a <RunwayStart> of its runway, named by its end
 };
 
 // Every style the import must read, the decompiler's own first.
