@@ -1,5 +1,9 @@
 #include "geometry/canvas.h"
 
+#include <algorithm>
+
+#include "geometry/screen.h"
+
 namespace velmora {
 
 void Canvas::Cls() {
@@ -66,6 +70,20 @@ void RecordingCanvas::replay(Canvas& target) const {
         break;
     }
   }
+}
+
+void RecordingCanvas::stack(const RecordingCanvas& below, std::int32_t gap) {
+  const std::int32_t dy = ScreenAdd(size_.height, gap);
+  for (Op op : below.ops_) {
+    if (op.kind == Kind::kText) {
+      op.pen.CurrentY = ScreenAdd(op.pen.CurrentY, dy);
+    } else {
+      op.b = ScreenAdd(op.b, dy);
+      if (op.kind == Kind::kLine) op.d = ScreenAdd(op.d, dy);
+    }
+    ops_.push_back(std::move(op));
+  }
+  size_ = {std::max(size_.width, below.size_.width), ScreenAdd(dy, below.size_.height)};
 }
 
 }  // namespace velmora

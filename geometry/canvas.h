@@ -63,6 +63,15 @@ class Canvas {
   virtual void drawText(const Pen& pen, std::string_view text) = 0;
 };
 
+// The size of a picture, twips: the chart sheet, or another picture drawn on the same canvas
+// operations (the approach profile, a kit page with its profile strip).
+struct PictureSize {
+  std::int32_t width = Canvas::Width;
+  std::int32_t height = Canvas::Height;
+  friend bool operator==(PictureSize, PictureSize) = default;
+};
+inline constexpr PictureSize kSheetSize{};
+
 // Draws nothing: the baseline against which the cost of real drawing is measured.
 class NullCanvas final : public Canvas {
  public:
@@ -90,6 +99,9 @@ class TeeCanvas final : public Canvas {
 // painted later onto any canvas (a PNG, a PDF page, an SVG file).
 class RecordingCanvas final : public Canvas {
  public:
+  explicit RecordingCanvas(PictureSize size = kSheetSize) : size_(size) {}
+  PictureSize size() const { return size_; }
+
   void drawCls() override { ops_.clear(); }
   void drawLine(const Pen& pen, std::int32_t x1, std::int32_t y1, std::int32_t x2,
                 std::int32_t y2) override;
@@ -99,6 +111,9 @@ class RecordingCanvas final : public Canvas {
   // Paints the picture after a Cls of `target`.
   void replay(Canvas& target) const;
 
+  // `below` added under the picture, `gap` twips lower; the picture grows to hold both.
+  void stack(const RecordingCanvas& below, std::int32_t gap);
+
  private:
   enum class Kind { kLine, kCircle, kText };
   struct Op {
@@ -107,6 +122,7 @@ class RecordingCanvas final : public Canvas {
     std::int32_t a, b, c, d;
     std::string text;
   };
+  PictureSize size_;
   std::vector<Op> ops_;
 };
 

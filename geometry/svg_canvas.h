@@ -1,5 +1,5 @@
 #pragma once
-// An SVG picture of the canvas, in twips as user units (viewBox 0 0 14415 10215).
+// An SVG picture of the canvas, in twips as user units (viewBox 0 0 14415 10215 for the sheet).
 
 #include <sstream>
 #include <string>
@@ -10,6 +10,8 @@ namespace velmora {
 
 class SvgCanvas final : public Canvas {
  public:
+  explicit SvgCanvas(PictureSize size = kSheetSize) : size_(size) {}
+
   void drawCls() override;
   void drawLine(const Pen& pen, std::int32_t x1, std::int32_t y1, std::int32_t x2,
                 std::int32_t y2) override;
@@ -20,6 +22,7 @@ class SvgCanvas final : public Canvas {
   std::string document() const;
 
  private:
+  PictureSize size_;
   std::ostringstream body_;
 };
 
