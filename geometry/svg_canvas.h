@@ -17,6 +17,8 @@ class SvgCanvas final : public Canvas {
                 std::int32_t y2) override;
   void drawCircle(const Pen& pen, std::int32_t x, std::int32_t y, std::int32_t radius) override;
   void drawText(const Pen& pen, std::string_view text) override;
+  void drawClip(std::int32_t left, std::int32_t top, std::int32_t width,
+                std::int32_t height) override;
 
   // The whole document.
   std::string document() const;
@@ -24,6 +26,7 @@ class SvgCanvas final : public Canvas {
  private:
   PictureSize size_;
   std::ostringstream body_;
+  int clips_ = 0;  // each clip opens a group, closed by the next or by the document's end
 };
 
 }  // namespace velmora

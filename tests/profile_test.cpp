@@ -442,5 +442,137 @@ TEST(Profile, MachineReadable) {
             "\"altitude2Ft\": null, \"constraint\": \"atOrBelow\"}]}\n");
 }
 
+// The sample's approaches, worked by hand from the coordinates of sample/FSXFiles and vor.nav
+// (great circles on the 3440.065 NM sphere, summed leg by leg to the threshold), as
+// velmora-chart --profile-json writes them.
+TEST(ProfileChartTool, EverySampleApproachAsWorkedByHand) {
+  struct Fix {
+    std::string ident, distanceNm, altitudeFt, altitude2Ft, constraint;
+  };
+  const struct {
+    std::string airport, approach, elevationFt, glidePathDeg;
+    std::vector<Fix> fixes;
+  } approaches[] = {
+      // 351.7 m = 1153.9 ft; TOBRI-MIRSK 5.9974, MIRSK-WH 4.8061, WH-RW16L 5.1990 NM.
+      {"XWHL",
+       "ILS 16L",
+       "1154",
+       "3.00",
+       {{"TOBRI", "16.00", "5000", "null", "atOrAbove"},
+        {"MIRSK", "10.01", "4000", "null", "atOrAbove"},
+        {"WH", "5.20", "2900", "null", "atOrAbove"},
+        {"RW16L", "0.00", "1210", "null", "none"}}},
+      {"XWHL",
+       "ILS 34R",
+       "1154",
+       "3.00",
+       {{"PELLO", "15.01", "5500", "4500", "between"},
+        {"DRAKA", "10.01", "3800", "null", "atOrAbove"},
+        {"ZIMRO", "5.50", "2900", "null", "atOrAbove"},
+        {"RW34R", "0.00", "1180", "null", "none"}}},
+      {"XWHL",
+       "VORDME 9",
+       "1154",
+       "null",
+       {{"GRN", "13.00", "4500", "null", "atOrAbove"},
+        {"HOLUP", "6.01", "3100", "null", "atOrAbove"},
+        {"ORTEN", "3.00", "2100", "null", "atOrAbove"},
+        {"RW09", "0.00", "1250", "null", "none"}}},
+      {"XWHL",
+       "GPS 27",
+       "1154",
+       "null",
+       {{"RUMBA", "12.01", "4000", "null", "atOrAbove"},
+        {"SIPPA", "5.01", "2800", "null", "atOrAbove"},
+        {"RW27", "0.00", "1240", "null", "none"}}},
+      {"XRKD",
+       "NDB 20",
+       "785",
+       "null",
+       {{"HAMMS", "10.00", "3500", "null", "atOrAbove"},
+        {"RK", "4.50", "2300", "null", "atOrAbove"},
+        {"RW20", "0.00", "850", "null", "none"}}},
+      {"ZTAM",
+       "ILS 22",
+       "4214",
+       "3.00",
+       {{"UKANI", "15.02", "8000", "null", "atOrAbove"},
+        {"SEBRA", "10.01", "7200", "null", "atOrAbove"},
+        {"TM", "5.81", "6100", "null", "atOrAbove"},
+        {"RW22", "0.00", "4270", "null", "none"}}},
+      {"ZTAM",
+       "VOR 04",
+       "4214",
+       "null",
+       {{"MPV", "14.00", "7500", "null", "atOrAbove"},
+        {"NTABA", "6.00", "6200", "null", "atOrAbove"},
+        {"RW04", "0.00", "4320", "null", "none"}}},
+      {"XAMO",
+       "ILS 7",
+       "40",
+       "3.00",
+       {{"BOKAR", "14.01", "3000", "null", "atOrAbove"},
+        {"ZANGO", "9.01", "2500", "null", "atOrAbove"},
+        {"AM", "5.01", "1700", "null", "atOrAbove"},
+        {"RW07", "0.00", "90", "null", "none"}}},
+      // Circling: runway 0 has no end, so distances run to AMO, the missed-approach point.
+      {"XAMO",
+       "VOR 0",
+       "40",
+       "null",
+       {{"KUV", "11.70", "2500", "null", "atOrAbove"},
+        {"PELU", "5.00", "1400", "null", "atOrAbove"},
+        {"AMO", "0.00", "700", "null", "none"}}},
+  };
+  for (const auto& a : approaches) {
+    SCOPED_TRACE(a.airport + " " + a.approach);
+    const auto [status, out, err] = RunChartTool(
+        SampleDir(), {"--airport", a.airport, "--approach", a.approach, "--profile-json", "-"});
+    EXPECT_EQ(status, 0) << err;
+    EXPECT_EQ(err, "");
+    std::string want = "{\"airport\": \"" + a.airport + "\", \"approach\": \"" + a.approach +
+                       "\", \"thresholdElevationFt\": " + a.elevationFt +
+                       ", \"glidePathDeg\": " + a.glidePathDeg + ",\n \"fixes\": [";
+    for (std::size_t i = 0; i < a.fixes.size(); ++i) {
+      const Fix& f = a.fixes[i];
+      want += std::string(i == 0 ? "\n" : ",\n") + "  {\"ident\": \"" + f.ident +
+              "\", \"distanceNm\": " + f.distanceNm + ", \"altitudeFt\": " + f.altitudeFt +
+              ", \"altitude2Ft\": " + f.altitude2Ft + ", \"constraint\": \"" + f.constraint + "\"}";
+    }
+    EXPECT_EQ(out, want + "]}\n");
+  }
+}
+
+TEST(ProfileChartTool, RunsThatCanNotGiveAProfile) {
+  TempDir d;
+  const std::string missing = (d.path() / "nofolder" / "p.json").string();
+  const struct {
+    Lines args;
+    int status;
+    std::string err;
+  } cases[] = {
+      {{"--airport", "XWHL", "--profile-json", "-"}, 2, "the profile needs an approach"},
+      {{"--airport", "XWHL", "--approach", "ILS 16L", "--profile"}, 2, "--profile needs a FILE"},
+      {{"--airport", "XWHL", "--approach", "ILS 16L", "--profile", "load"},
+       2,
+       "--profile needs a FILE"},
+      {{"--airport", "XWHL", "--all-approaches", "--out", "k.pdf", "--profile", "p.png"},
+       2,
+       "takes no FILE in a kit"},
+      {{"--airport", "XWHL", "--all-approaches", "--out", "k.pdf", "--profile-json", "p.json"},
+       2,
+       "give --approach, not a kit"},
+      {{"--airport", "XWHL", "--approach", "ILS 16L", "--profile-json", missing},
+       1,
+       "does not exist"},
+  };
+  for (const auto& c : cases) {
+    const auto [status, out, err] = RunChartTool(SampleDir(), c.args);
+    EXPECT_EQ(status, c.status) << c.args.back() << "\n" << err;
+    EXPECT_NE(err.find(c.err), std::string::npos) << c.args.back() << "\n" << err;
+    EXPECT_EQ(out, "");
+  }
+}
+
 }  // namespace
 }  // namespace velmora::test

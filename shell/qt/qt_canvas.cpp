@@ -78,6 +78,8 @@ void QtCanvas::applyPen(const Pen& pen) {
 }
 
 void QtCanvas::drawCls() {
+  // Within the whole picture again, after the parts of one put together from others.
+  painter_->setClipRect(QRectF(0, 0, Px(size_.width), Px(size_.height)));
   painter_->fillRect(QRectF(0, 0, Px(size_.width), Px(size_.height)), ToQColor(kPictureBackground));
 }
 
@@ -93,6 +95,12 @@ void QtCanvas::drawCircle(const Pen& pen, std::int32_t x, std::int32_t y, std::i
   if (outside(x - r, y - r, x + r, y + r)) return;
   applyPen(pen);
   painter_->drawEllipse(QPointF(Px(x), Px(y)), Px(r), Px(r));
+}
+
+void QtCanvas::drawClip(std::int32_t left, std::int32_t top, std::int32_t width,
+                        std::int32_t height) {
+  const QRectF picture(0, 0, Px(size_.width), Px(size_.height));
+  painter_->setClipRect(QRectF(Px(left), Px(top), Px(width), Px(height)).intersected(picture));
 }
 
 const QFont& QtCanvas::font(int points, bool bold) {

@@ -45,6 +45,8 @@ class QtCanvas : public Canvas {
                 std::int32_t y2) override;
   void drawCircle(const Pen& pen, std::int32_t x, std::int32_t y, std::int32_t radius) override;
   void drawText(const Pen& pen, std::string_view text) override;
+  void drawClip(std::int32_t left, std::int32_t top, std::int32_t width,
+                std::int32_t height) override;
 
  protected:
   void setPainter(QPainter* painter) { painter_ = painter; }
