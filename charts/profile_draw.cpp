@@ -25,7 +25,6 @@ constexpr std::int32_t kTitleX = 8400;
 constexpr std::int32_t kRunwayTwips = 300;
 constexpr std::int32_t kRow = 230;       // a row of 10 pt labels
 constexpr std::int32_t kSmallRow = 190;  // a row of 8 pt labels
-constexpr std::int32_t kFixRadius = 30;
 // A distance label closer than this to the one before goes a row lower.
 constexpr std::int32_t kDistanceLabelRoom = 600;
 // The glide path is drawn a quarter beyond the final approach fix.
@@ -95,7 +94,7 @@ void FixLabels(Canvas& c, const ProfileFix& f, ScreenPoint p, bool map) {
   c.pen.FontBold = false;
 }
 
-// The final approach fix's cross over its circle.
+// The final approach fix's cross.
 void FinalFixMark(Canvas& c, ScreenPoint p) {
   SetPen(c, kBlack, 2, kSolid);
   c.Line(p.x - 60, p.y - 60, p.x + 60, p.y + 60);
@@ -160,18 +159,17 @@ void NotPlaced(Canvas& c, const Profile& p, std::int32_t y) {
   PrintAt(c, 200, y, 8, false, "Not placed (no position in the airport file or vor.nav): " + names);
 }
 
-// Each fix hangs over its distance on a dotted line; the descent joins them.
+// Each fix stands on a dotted line over its distance, as on published profiles; the descent
+// joins them.
 void Descent(Canvas& c, const std::vector<ScreenPoint>& at) {
   SetPen(c, kBlack, 1, kDotted);
-  for (const ScreenPoint& q : at) c.Line(q.x, q.y + kFixRadius, q.x, kGroundY);
+  for (const ScreenPoint& q : at) c.Line(q.x, q.y, q.x, kGroundY);
   SetPen(c, kBlack, 2, kSolid);
   for (std::size_t i = 1; i < at.size(); ++i) c.Line(at[i - 1].x, at[i - 1].y, at[i].x, at[i].y);
 }
 
 void Fixes(Canvas& c, const Profile& p, const std::vector<ScreenPoint>& at) {
   for (std::size_t i = 0; i < at.size(); ++i) {
-    SetPen(c, kBlack, 2, kSolid);
-    c.Circle(at[i].x, at[i].y, kFixRadius);
     if (static_cast<int>(i) == p.finalFix) FinalFixMark(c, at[i]);
     FixLabels(c, p.fixes[i], at[i], static_cast<int>(i) == p.missedApproachPoint);
   }

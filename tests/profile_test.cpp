@@ -292,8 +292,7 @@ TEST(Profile, FewerThanTwoPlacedFixesSayWhy) {
   }
 }
 
-// The drawing as trace lines: "print X Y R,G,B SIZE BOLD TEXT", "line X1 Y1 X2 Y2 R,G,B W S",
-// "circle X Y R R,G,B W S".
+// The drawing as trace lines: "print X Y R,G,B SIZE BOLD TEXT", "line X1 Y1 X2 Y2 R,G,B W S".
 struct Drawn {
   struct Text {
     int x, y, size, bold;
@@ -304,12 +303,12 @@ struct Drawn {
     std::string colour;
     int width, style;
   };
-  struct Circle {
+  struct Point {
     int x, y;
   };
   std::vector<Text> texts;
   std::vector<Line> lines;
-  std::vector<Circle> circles;
+  std::vector<Point> fixes;  // the tops of the dotted lines each fix stands on
 
   explicit Drawn(const Profile& p) {
     std::ostringstream out;
@@ -328,10 +327,7 @@ struct Drawn {
         Line s;
         in >> s.x1 >> s.y1 >> s.x2 >> s.y2 >> s.colour >> s.width >> s.style;
         lines.push_back(s);
-      } else if (kind == "circle") {
-        Circle c;
-        in >> c.x >> c.y;
-        circles.push_back(c);
+        if (s.style == kDotted && s.x1 == s.x2) fixes.push_back({s.x1, s.y1});
       }
     }
   }
@@ -379,12 +375,12 @@ TEST(Profile, ConstraintsBarredAsPublishedCharts) {
 
 TEST(Profile, DrawnFromTheFarthestFixDownToTheThreshold) {
   const Drawn ils(ProfileOf(ProfileField("ILS", kWorked[0].legs), "ILS 36"));
-  ASSERT_EQ(ils.circles.size(), 3u);
+  ASSERT_EQ(ils.fixes.size(), 3u);
   // Distances grow to the left; the descent goes down to the right.
-  EXPECT_LT(ils.circles[0].x, ils.circles[1].x);
-  EXPECT_LT(ils.circles[1].x, ils.circles[2].x);
-  EXPECT_LT(ils.circles[0].y, ils.circles[1].y);
-  EXPECT_LT(ils.circles[1].y, ils.circles[2].y);
+  EXPECT_LT(ils.fixes[0].x, ils.fixes[1].x);
+  EXPECT_LT(ils.fixes[1].x, ils.fixes[2].x);
+  EXPECT_LT(ils.fixes[0].y, ils.fixes[1].y);
+  EXPECT_LT(ils.fixes[1].y, ils.fixes[2].y);
   for (const char* ident : {"I10", "F5", "RW36"}) EXPECT_NE(ils.find(ident, 8), nullptr) << ident;
   for (const char* distance : {"10.0", "5.0", "0.0"}) {
     EXPECT_NE(ils.find(distance, 8), nullptr) << distance;
@@ -399,16 +395,17 @@ TEST(Profile, DrawnFromTheFarthestFixDownToTheThreshold) {
   EXPECT_LT(map->y, ils.find("RW36", 8)->y);
   int crossing = 0;
   for (const Drawn::Line& s : ils.lines) {
-    crossing += (s.x1 + s.x2) / 2 == ils.circles[1].x && (s.y1 + s.y2) / 2 == ils.circles[1].y;
+    crossing += s.x1 != s.x2 && s.y1 != s.y2 && (s.x1 + s.x2) / 2 == ils.fixes[1].x &&
+                (s.y1 + s.y2) / 2 == ils.fixes[1].y;
   }
   EXPECT_EQ(crossing, 2);
   // The glide path: green, from the threshold out beyond the final approach fix.
   const auto green = std::find_if(ils.lines.begin(), ils.lines.end(),
                                   [](const Drawn::Line& s) { return s.colour == "0,128,0"; });
   ASSERT_NE(green, ils.lines.end());
-  EXPECT_EQ(green->x1, ils.circles[2].x);
-  EXPECT_LT(green->x2, ils.circles[1].x);
-  EXPECT_LT(green->y2, ils.circles[1].y);
+  EXPECT_EQ(green->x1, ils.fixes[2].x);
+  EXPECT_LT(green->x2, ils.fixes[1].x);
+  EXPECT_LT(green->y2, ils.fixes[1].y);
   const Drawn vor(ProfileOf(ProfileField("VOR", kWorked[2].legs), "VOR 36"));
   EXPECT_TRUE(std::none_of(vor.lines.begin(), vor.lines.end(),
                            [](const Drawn::Line& s) { return s.colour == "0,128,0"; }));
@@ -416,8 +413,8 @@ TEST(Profile, DrawnFromTheFarthestFixDownToTheThreshold) {
 
 TEST(Profile, AFixWithoutAltitudeStandsOnTheLineUnlabelled) {
   const Drawn d(ProfileOf(ProfileField("GPS", kWorked[4].legs), "GPS 36"));
-  ASSERT_EQ(d.circles.size(), 3u);
-  const auto [a, b, c] = std::tuple(d.circles[0], d.circles[1], d.circles[2]);
+  ASSERT_EQ(d.fixes.size(), 3u);
+  const auto [a, b, c] = std::tuple(d.fixes[0], d.fixes[1], d.fixes[2]);
   // On the straight line from its neighbour before to its neighbour after.
   EXPECT_NEAR(b.y, a.y + (c.y - a.y) * double(b.x - a.x) / (c.x - a.x), 2);
   EXPECT_NE(d.find("F7", 8), nullptr);

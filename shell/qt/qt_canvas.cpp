@@ -78,8 +78,10 @@ void QtCanvas::applyPen(const Pen& pen) {
 }
 
 void QtCanvas::drawCls() {
-  // Within the whole picture again, after the parts of one put together from others.
-  painter_->setClipRect(QRectF(0, 0, Px(size_.width), Px(size_.height)));
+  // Within the whole picture again, after the parts of one put together from others. Only
+  // then: a clip slows every shape drawn under it.
+  if (clipped_) painter_->setClipRect(QRectF(0, 0, Px(size_.width), Px(size_.height)));
+  clipped_ = false;
   painter_->fillRect(QRectF(0, 0, Px(size_.width), Px(size_.height)), ToQColor(kPictureBackground));
 }
 
@@ -100,6 +102,7 @@ void QtCanvas::drawCircle(const Pen& pen, std::int32_t x, std::int32_t y, std::i
 void QtCanvas::drawClip(std::int32_t left, std::int32_t top, std::int32_t width,
                         std::int32_t height) {
   const QRectF picture(0, 0, Px(size_.width), Px(size_.height));
+  clipped_ = true;
   painter_->setClipRect(QRectF(Px(left), Px(top), Px(width), Px(height)).intersected(picture));
 }
 

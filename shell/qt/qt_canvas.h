@@ -59,6 +59,7 @@ class QtCanvas : public Canvas {
   QPainter* painter_;
   double fontScale_;
   PictureSize size_;
+  bool clipped_ = false;  // a part's clip stands since the last Cls
   // A chart uses a handful of sizes; building a QFont per label would cost more than drawing.
   std::map<int, QFont> fonts_;
   // Laid-out labels: shaping each text anew is most of a redraw's time, and every zoom step
