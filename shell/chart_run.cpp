@@ -23,11 +23,14 @@ std::string LostFirstFix(const Store& s) {
 // Twips between the plan and the profile strip of a kit page.
 constexpr std::int32_t kStripGap = 150;
 
-// An approach page of a kit: the chart, with the approach's profile strip under it if asked.
-RecordingCanvas ApproachPage(const ChartOptions& o, const ChartSession& session) {
-  RecordingCanvas page = session.picture();
-  if (o.profileStrips) page.stack(session.profilePicture(), kStripGap);
-  return page;
+// An approach page of a kit: the chart, with the approach's profile strip under it if asked
+// (put together in `withStrip`).
+const RecordingCanvas& ApproachPage(const ChartOptions& o, const ChartSession& session,
+                                    RecordingCanvas& withStrip) {
+  if (!o.profileStrips) return session.picture();
+  withStrip = session.picture();
+  withStrip.stack(session.profilePicture(), kStripGap);
+  return withStrip;
 }
 
 // Adds the pages of a kit, with the progress line for long kits.
@@ -76,7 +79,8 @@ int KitAirport(const ChartOptions& o, const std::string& code, ChartSession& ses
     if (o.fit) {
       if (const int status = session.run(ParseStep("fit"), err)) return status;
     }
-    const RecordingCanvas page = ApproachPage(o, session);
+    RecordingCanvas withStrip;
+    const RecordingCanvas& page = ApproachPage(o, session, withStrip);
     if (!pages.add({code, static_cast<int>(row), approach, title, &page})) return 1;
   }
   return 0;
