@@ -35,9 +35,10 @@ struct Data {
   std::filesystem::path index, vor, bigFile;
   std::uintmax_t indexBytes = 0, vorBytes = 0, bigBytes = 0;
   int airportsInBigFile = 0;
-  int vorsInRange = 0;           // pass the plan's range test at Zoom 16
-  std::unique_ptr<Store> store;  // VOR list and the wanted airport
-  Canvas* raster = nullptr;      // set once Qt is up
+  int vorsInRange = 0;              // pass the plan's range test at Zoom 16
+  std::unique_ptr<Store> store;     // VOR list and the wanted airport
+  Canvas* raster = nullptr;         // set once Qt is up
+  Canvas* profileRaster = nullptr;  // the profile pane's size, likewise
 };
 
 Data& Shared();

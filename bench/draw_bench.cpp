@@ -8,6 +8,7 @@
 
 #include "bench/bench_support.h"
 #include "charts/charts.h"
+#include "charts/profile.h"
 #include "shell/form.h"
 
 namespace velmora::bench {
@@ -61,6 +62,26 @@ BENCHMARK(BM_RedrawNull)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_RedrawRaster)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_OverlayNull)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_OverlayRaster)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// What a pick adds for the profile pane: the profile of the 30-leg approach, worked out from
+// the store (its fixes looked up as the overlay looks them up) and drawn at the pane's size.
+void BM_ProfileRaster(benchmark::State& state) {
+  Canvas* canvas = Shared().profileRaster;
+  if (canvas == nullptr) {
+    state.SkipWithError("no canvas");
+    return;
+  }
+  const Store& s = *Shared().store;
+  for (auto _ : state) DrawProfile(MakeProfile(s, 0, "ILS 16L"), *canvas);
+}
+
+void BM_ProfileWorkedOut(benchmark::State& state) {
+  const Store& s = *Shared().store;
+  for (auto _ : state) benchmark::DoNotOptimize(MakeProfile(s, 0, "ILS 16L"));
+}
+
+BENCHMARK(BM_ProfileRaster)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_ProfileWorkedOut)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 // Passes on one kind of shape only, to tell where the raster's time goes.
 class OnlyCanvas final : public Canvas {

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "bench/bench_support.h"
+#include "charts/profile.h"
 #include "data/line_reader.h"
 #include "shell/qt/qt_canvas.h"
 
@@ -201,7 +202,12 @@ void DrawingRows() {
   BudgetRow(Format("redraw with %d-leg overlay, raster", kApproachLegs), "BM_OverlayRaster", 10e6,
             "10 ms");
   InfoRow("  raster vs null canvas", "BM_OverlayRaster", "BM_OverlayNull", "null");
-  RatioRow("kit PDF, 11 pages vs one-chart PDF", "BM_KitPdf", "BM_SingleChartPdf", 3.0);
+  // A pick draws the approach twice: in the plan (the redraw above) and in the profile.
+  RatioRow(Format("profile of the %d-leg approach vs its plan", kApproachLegs), "BM_ProfileRaster",
+           "BM_OverlayRaster", 0.25);
+  InfoRow("  its working out alone, vs drawn", "BM_ProfileWorkedOut", "BM_ProfileRaster", "drawn");
+  // Each PDF page costs Qt's painting of it, so a kit costs about its pages: no goal to meet.
+  InfoRow("kit PDF, 11 pages vs one-chart PDF", "BM_KitPdf", "BM_SingleChartPdf", "one chart");
   RatioRow("kit PDF with --fit vs without", "BM_KitPdfFit", "BM_KitPdf", 1.5);
   InfoRow("50 zoom steps, median step, raster", "zoom_raster_median", "zoom_null_median", "null");
   InfoRow("50 zoom steps, worst step, raster", "zoom_raster_worst", "zoom_null_worst", "null");
@@ -263,6 +269,8 @@ int main(int argc, char** argv) {
 
     velmora::RasterCanvas raster;
     data.raster = &raster;
+    velmora::RasterCanvas profileRaster(1.0, velmora::kProfileSize);
+    data.profileRaster = &profileRaster;
     CapturingReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
 
@@ -273,6 +281,7 @@ int main(int argc, char** argv) {
 
     Summary(data);
     data.raster = nullptr;
+    data.profileRaster = nullptr;
     data.store.reset();
   } catch (const std::exception& e) {
     std::fprintf(stderr, "benchmark setup failed: %s\n", e.what());

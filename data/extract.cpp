@@ -86,12 +86,19 @@ class AirportReader {
   void transition(const AttrLine& l);
   void transitionEnd(const AttrLine& l);
   void approachEnd(const AttrLine& l);
+  void glideSlope(const AttrLine& l);
+  void approachLegs(const AttrLine&) { missed_ = false; }
+  void missedLegs(const AttrLine&) { missed_ = true; }
 
   Store& s_;
   Dropped& dropped_;
   std::int32_t runway_ = 0, start_ = 0, ils_ = 0, com_ = 0, ndb_ = 1, waypoint_ = 0;
   std::int32_t approach_ = 0, trans_ = 0, leg_ = 0;
   enum class LegOwner { kNone, kApproach, kTransition } legOwner_ = LegOwner::kNone;
+  // For the profile alone: the ILS record a <GlideSlope behind it belongs to, and whether the
+  // legs now read are the missed approach's.
+  std::int32_t glideSlopeIls_ = -1;
+  bool missed_ = false;
 };
 
 constexpr std::string_view kAirportEnd = "</Airport>";
@@ -110,6 +117,10 @@ const AirportReader::Entry AirportReader::kHandlers[] = {
     {"<Transition", &AirportReader::transition},
     {"</Transition>", &AirportReader::transitionEnd},
     {"</Approach>", &AirportReader::approachEnd},
+    {"<GlideSlope", &AirportReader::glideSlope},
+    {"<ApproachLegs>", &AirportReader::approachLegs},
+    {"<MissedApproachLegs>", &AirportReader::missedLegs},
+    {"</MissedApproachLegs>", &AirportReader::approachLegs},
 };
 
 bool AirportReader::take(std::string_view key, std::string_view startKey, std::string_view line) {
@@ -168,14 +179,25 @@ void AirportReader::start(const AttrLine& l) {
     row.lat = l.first();
   } else if (l.startKey == "lon") {
     row.lon = l.first();
+  } else if (l.startKey == "alt") {
+    row.alt = l.first();
   }
 }
 
 void AirportReader::ils(const AttrLine& l) {
   if (l.key == "<Ils end" && s_.Ils.has(ils_)) s_.Ils[ils_].end = l.second();
+  const std::int32_t slot = ils_;
   Record(
       s_.Ils, ils_, s_.IlsLast, dropped_.ils, l, "name",
       {{"frequency", &IlsRow::frequency}, {"heading", &IlsRow::heading}, {"name", &IlsRow::name}});
+  // The name closes the record; its children, the glide slope among them, come behind it.
+  if (ils_ != slot) glideSlopeIls_ = s_.Ils.has(slot) ? slot : -1;
+}
+
+void AirportReader::glideSlope(const AttrLine& l) {
+  if (l.key == "pitch" && s_.Ils.has(glideSlopeIls_)) {
+    s_.Ils[glideSlopeIls_].glideSlopePitch = l.first();
+  }
 }
 
 void AirportReader::com(const AttrLine& l) {
@@ -201,6 +223,7 @@ void AirportReader::waypoint(const AttrLine& l) {
 
 void AirportReader::approach(const AttrLine& l) {
   legOwner_ = LegOwner::kApproach;
+  missed_ = false;
   if (!s_.Approach.has(approach_)) return;
   Assign<ApproachRow>(s_.Approach[approach_], l,
                       {{"<Approach type", &ApproachRow::type},
@@ -217,13 +240,18 @@ void AirportReader::leg(const AttrLine& l) {
     LegRow& row = s_.Leg[leg_];
     row.app = approach_;
     row.trans = ofApproach ? kApproachLeg : trans_;
+    row.missed = ofApproach && missed_;
     Assign<LegRow>(row, l,
                    {{"fixIdent", &LegRow::fixIdent},
                     {"rho", &LegRow::rho},
                     {"magneticCourse", &LegRow::magneticCourse},
                     {"altitude1", &LegRow::altitude},
                     {"altitude2", &LegRow::altitude},
-                    {"recommendedIdent", &LegRow::recommendedIdent}});
+                    {"recommendedIdent", &LegRow::recommendedIdent},
+                    {"<Leg type", &LegRow::type},
+                    {"altitudeDescriptor", &LegRow::altitudeDescriptor},
+                    {"altitude1", &LegRow::altitude1},
+                    {"altitude2", &LegRow::altitude2}});
   }
   if (l.key != "/>") return;
   if (storable) {
@@ -235,6 +263,7 @@ void AirportReader::leg(const AttrLine& l) {
 
 void AirportReader::transition(const AttrLine& l) {
   legOwner_ = LegOwner::kTransition;
+  missed_ = false;
   if (!s_.Trans.has(trans_)) return;
   TransRow& row = s_.Trans[trans_];
   row.app = approach_;

@@ -59,4 +59,24 @@ std::optional<double> ParseNumber(std::string_view text) {
   return negative ? -value : value;
 }
 
+std::string DecimalText(double value, int decimals) {
+  char text[400];  // the longest double written in full
+  const auto r = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals);
+  std::string out(text, r.ptr);
+  if (out.front() == '-' && out.find_first_not_of("-0.") == std::string::npos) out.erase(0, 1);
+  return out;
+}
+
+std::optional<double> HeightFeet(std::string_view text, char plainUnit) {
+  char unit = plainUnit;
+  if (!text.empty() &&
+      ((text.back() >= 'A' && text.back() <= 'Z') || (text.back() >= 'a' && text.back() <= 'z'))) {
+    unit = static_cast<char>(text.back() & ~0x20);
+    text.remove_suffix(1);
+  }
+  const auto value = ParseNumber(text);
+  if (!value || (unit != 'F' && unit != 'M')) return std::nullopt;
+  return unit == 'F' ? *value : *value / kFootMetres;
+}
+
 }  // namespace velmora

@@ -31,12 +31,14 @@ class Table {
 
 struct RwyEndRow {
   std::string type, number, designator, lat, lon, length, width, surface, fixName;
+  std::string alt{};  // of the Start record; only the profile reads it
 };
 struct ComRow {
   std::string type, frequency, name;
 };
 struct IlsRow {
   std::string name, end, frequency, heading;
+  std::string glideSlopePitch{};  // degrees, of the <GlideSlope inside the record; profile only
 };
 struct NdbRow {
   std::string lat, lon, frequency, ident;
@@ -60,6 +62,11 @@ struct LegRow {
   std::int32_t app = 0;
   std::int32_t trans = 0;
   std::string fixIdent, rho, altitude, magneticCourse, recommendedIdent;
+  // Read for the profile alone; the overlay never looks at them. `altitude` above holds the
+  // later of the two altitudes, these each their own. (Initialised here, so that rows written
+  // as lists of the fields above stay whole.)
+  std::string type{}, altitudeDescriptor{}, altitude1{}, altitude2{};
+  bool missed = false;  // stands in <MissedApproachLegs>
 };
 
 struct Store {

@@ -30,6 +30,9 @@ bool ContainsNoCase(std::string_view text, std::string_view word);
 
 std::string RemoveBlanks(std::string_view text);
 
+// A JSON string, quotes included, of Windows-1252 text: UTF-8 with its escapes.
+std::string JsonString(std::string_view cp1252);
+
 // `text` with each of the characters of `special` among & < > " written as its XML entity.
 std::string EscapeXml(std::string_view text, std::string_view special);
 // Pieces between every `sep`; an empty text gives one empty piece.

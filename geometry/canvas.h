@@ -61,7 +61,20 @@ class Canvas {
                         std::int32_t y2) = 0;
   virtual void drawCircle(const Pen& pen, std::int32_t x, std::int32_t y, std::int32_t radius) = 0;
   virtual void drawText(const Pen& pen, std::string_view text) = 0;
+  // What follows stands within this rectangle (twips) up to the next clip or Cls: the parts
+  // of a picture put together from others. Canvases that don't show pictures ignore it.
+  virtual void drawClip(std::int32_t /*left*/, std::int32_t /*top*/, std::int32_t /*width*/,
+                        std::int32_t /*height*/) {}
 };
+
+// The size of a picture, twips: the chart sheet, or another picture drawn on the same canvas
+// operations (the approach profile, a kit page with its profile strip).
+struct PictureSize {
+  std::int32_t width = Canvas::Width;
+  std::int32_t height = Canvas::Height;
+  friend bool operator==(PictureSize, PictureSize) = default;
+};
+inline constexpr PictureSize kSheetSize{};
 
 // Draws nothing: the baseline against which the cost of real drawing is measured.
 class NullCanvas final : public Canvas {
@@ -81,6 +94,8 @@ class TeeCanvas final : public Canvas {
                 std::int32_t y2) override;
   void drawCircle(const Pen& pen, std::int32_t x, std::int32_t y, std::int32_t radius) override;
   void drawText(const Pen& pen, std::string_view text) override;
+  void drawClip(std::int32_t left, std::int32_t top, std::int32_t width,
+                std::int32_t height) override;
 
  private:
   std::vector<Canvas*> targets_;
@@ -90,23 +105,33 @@ class TeeCanvas final : public Canvas {
 // painted later onto any canvas (a PNG, a PDF page, an SVG file).
 class RecordingCanvas final : public Canvas {
  public:
+  explicit RecordingCanvas(PictureSize size = kSheetSize) : size_(size) {}
+  PictureSize size() const { return size_; }
+
   void drawCls() override { ops_.clear(); }
   void drawLine(const Pen& pen, std::int32_t x1, std::int32_t y1, std::int32_t x2,
                 std::int32_t y2) override;
   void drawCircle(const Pen& pen, std::int32_t x, std::int32_t y, std::int32_t radius) override;
   void drawText(const Pen& pen, std::string_view text) override;
+  void drawClip(std::int32_t left, std::int32_t top, std::int32_t width,
+                std::int32_t height) override;
 
   // Paints the picture after a Cls of `target`.
   void replay(Canvas& target) const;
 
+  // `below` added under the picture, `gap` twips lower; the picture grows to hold both, and
+  // each part stays within its own rectangle.
+  void stack(const RecordingCanvas& below, std::int32_t gap);
+
  private:
-  enum class Kind { kLine, kCircle, kText };
+  enum class Kind { kLine, kCircle, kText, kClip };
   struct Op {
     Kind kind;
     Pen pen;
     std::int32_t a, b, c, d;
     std::string text;
   };
+  PictureSize size_;
   std::vector<Op> ops_;
 };
 

@@ -1,5 +1,6 @@
 #include "geometry/coords.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -72,6 +73,18 @@ std::optional<std::int32_t> LonToGrid(std::string_view coord) {
 
 std::optional<std::int32_t> LatToGrid(std::string_view coord) {
   return ToGrid(coord, 'S', kGridYEquator);
+}
+
+double GreatCircleNm(GridPoint a, GridPoint b) {
+  constexpr double kRadiansPerGrid = 3.14159265358979323846 / 180.0 / kGridPerDegree;
+  const double lat1 = (static_cast<double>(a.y) - kGridYEquator) * kRadiansPerGrid;
+  const double lat2 = (static_cast<double>(b.y) - kGridYEquator) * kRadiansPerGrid;
+  const double dLat = lat2 - lat1;
+  const double dLon = (static_cast<double>(b.x) - a.x) * kRadiansPerGrid;
+  // The haversine form keeps its precision for fixes a few hundred metres apart.
+  const double h = std::pow(std::sin(dLat / 2), 2) +
+                   std::cos(lat1) * std::cos(lat2) * std::pow(std::sin(dLon / 2), 2);
+  return 2 * kEarthRadiusNm * std::asin(std::sqrt(std::min(1.0, h)));
 }
 
 std::string MetersToFeet(std::string_view length) {

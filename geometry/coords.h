@@ -15,6 +15,15 @@ inline constexpr std::int32_t kGridPerMinute = 3600;
 inline constexpr std::int32_t kGridXGreenwich = 38880000;
 inline constexpr std::int32_t kGridYEquator = 19440000;
 
+// A position in grid units.
+struct GridPoint {
+  std::int32_t x = 0, y = 0;
+};
+
+// Nautical miles along the great circle between two positions, on a sphere of this radius.
+inline constexpr double kEarthRadiusNm = 3440.065;
+double GreatCircleNm(GridPoint a, GridPoint b);
+
 // No value for a text without a second word or without numbers in its places: no chart
 // position can be made from it. Allocates nothing.
 std::optional<std::int32_t> LonToGrid(std::string_view coord);

@@ -54,4 +54,13 @@ std::int32_t FixGridX(const Store& store, std::string_view fixIdent) {
   return fix.lon != nullptr ? LonToGrid(*fix.lon).value_or(0) : 0;
 }
 
+std::optional<GridPoint> FixGrid(const Store& store, std::string_view fixIdent) {
+  const FixText fix = FindFix(store, fixIdent);
+  if (fix.lat == nullptr) return std::nullopt;
+  const auto y = LatToGrid(*fix.lat);
+  const auto x = LonToGrid(*fix.lon);
+  if (!x || !y) return std::nullopt;
+  return GridPoint{*x, *y};
+}
+
 }  // namespace velmora

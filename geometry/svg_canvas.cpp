@@ -26,7 +26,8 @@ void SvgCanvas::drawCls() {
   // Numbers in SVG never take the machine's digit grouping.
   body_.imbue(std::locale::classic());
   body_.str({});
-  body_ << "<rect width=\"" << Width << "\" height=\"" << Height << "\" fill=\""
+  clips_ = 0;
+  body_ << "<rect width=\"" << size_.width << "\" height=\"" << size_.height << "\" fill=\""
         << Colour(kPictureBackground) << "\"/>\n";
 }
 
@@ -50,15 +51,24 @@ void SvgCanvas::drawText(const Pen& p, std::string_view text) {
         << "</text>\n";
 }
 
+void SvgCanvas::drawClip(std::int32_t left, std::int32_t top, std::int32_t width,
+                         std::int32_t height) {
+  if (clips_ > 0) body_ << "</g>\n";
+  ++clips_;
+  body_ << "<clipPath id=\"part" << clips_ << "\"><rect x=\"" << left << "\" y=\"" << top
+        << "\" width=\"" << width << "\" height=\"" << height << "\"/></clipPath>\n"
+        << "<g clip-path=\"url(#part" << clips_ << ")\">\n";
+}
+
 std::string SvgCanvas::document() const {
   std::ostringstream doc;
   doc.imbue(std::locale::classic());
-  doc << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << Width / kTwipsPerPixel
-      << "\" height=\"" << Height / kTwipsPerPixel << "\" viewBox=\"0 0 " << Width << ' ' << Height
-      << "\">\n"
+  doc << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << size_.width / kTwipsPerPixel
+      << "\" height=\"" << size_.height / kTwipsPerPixel << "\" viewBox=\"0 0 " << size_.width
+      << ' ' << size_.height << "\">\n"
       << "<g font-family=\"Lucida Sans Unicode, DejaVu Sans, sans-serif\" "
          "xml:space=\"preserve\">\n"
-      << body_.str() << "</g>\n</svg>\n";
+      << body_.str() << (clips_ > 0 ? "</g>\n" : "") << "</g>\n</svg>\n";
   return doc.str();
 }
 

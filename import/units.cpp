@@ -11,7 +11,6 @@
 namespace velmora {
 namespace {
 
-constexpr double kFootMetres = 0.3048;
 constexpr double kNauticalMileMetres = 1852.0;
 constexpr double kRhoPerNauticalMile = 2053.0;  // the overlay's DME label is rho / 2053
 constexpr char kDegreeMark = '\xB0';            // Windows-1252

@@ -44,6 +44,9 @@ struct Option {
   bool choice;
   // False, with a message on `err`, for a value that won't do.
   bool (*set)(Given& given, const std::string& value, std::ostream& err);
+  // The value may be left out: the next argument is taken only when it is neither an option
+  // nor a step.
+  bool valueOptional = false;
 };
 
 bool SetScale(Given& g, const std::string& v, std::ostream& err) {
@@ -79,6 +82,16 @@ bool AddOut(Given& g, const std::string& value, std::ostream&) {
   return true;
 }
 
+// "--profile FILE" writes the profile; a bare "--profile" puts strips on a kit's pages.
+bool SetProfile(Given& g, const std::string& value, std::ostream&) {
+  if (value.empty()) {
+    g.options.profileStrips = true;
+  } else {
+    g.options.profilePath = PathFromUtf8(value);
+  }
+  return true;
+}
+
 bool SetAirports(Given& g, const std::string& value, std::ostream&) {
   g.airport = value;
   return true;
@@ -96,6 +109,8 @@ const Option kOptions[] = {
     {"--format", "png|svg", true, Set<&ChartOptions::format>},
     {"--all-approaches", "", false, Switch<&ChartOptions::allApproaches>},
     {"--fit", "", false, Switch<&ChartOptions::fit>},
+    {"--profile", "FILE", false, SetProfile, true},
+    {"--profile-json", "FILE", false, SetPath<&ChartOptions::profileJsonPath>},
     {"--help", "", false, Switch<&ChartOptions::help>},
     {"-h", "", false, Switch<&ChartOptions::help>},
     {"--version", "", false, Switch<&ChartOptions::version>},
@@ -155,6 +170,19 @@ struct Problem {
   bool withUsage = true;
 };
 
+std::optional<Problem> CheckProfile(const ChartOptions& o) {
+  if (o.allApproaches && !o.profilePath.empty()) {
+    return Problem{"--profile takes no FILE in a kit: each approach page gets the profile strip"};
+  }
+  if (o.allApproaches && !o.profileJsonPath.empty()) {
+    return Problem{"--profile-json writes one approach's profile: give --approach, not a kit"};
+  }
+  if (!o.allApproaches && o.profileStrips) {
+    return Problem{"--profile needs a FILE (.png, .svg or .pdf), or --all-approaches for a kit"};
+  }
+  return std::nullopt;
+}
+
 std::optional<Problem> CheckAirports(const Given& g, ChartOptions& o) {
   const ChartOptions& in = g.options;
   if (g.airport.empty() && g.steps.empty())
@@ -179,7 +207,7 @@ std::optional<Problem> CheckAirports(const Given& g, ChartOptions& o) {
   if (o.airports.size() > 1 && !o.allApproaches) {
     return Problem{"several airports make a kit: add --all-approaches"};
   }
-  return std::nullopt;
+  return CheckProfile(o);
 }
 
 // Reads one option at `i` (and its value); a problem for one that can't be read.
@@ -189,7 +217,9 @@ std::optional<Problem> ReadOption(const std::vector<std::string>& args, std::siz
   const Option* option = FindOption(name);
   if (option == nullptr) return Problem{"unknown option " + name};
   std::string value;
-  if (!option->value.empty()) {
+  const bool valueGiven = i + 1 < args.size() && !args[i + 1].starts_with("-") &&
+                          ParseStep(args[i + 1]).kind == StepKind::kUnknown;
+  if (!option->value.empty() && (!option->valueOptional || valueGiven)) {
     if (i + 1 == args.size()) return Problem{name + " needs a value"};
     value = args[++i];
     if (option->choice) {
@@ -245,11 +275,12 @@ std::optional<ChartOptions> ParseChartArgs(const std::vector<std::string>& args,
 std::string ChartUsage() {
   return "usage: velmora-chart " + Synopsis("--data") + " " + Synopsis("--trace") + " " +
          Synopsis("--state") + " " + Synopsis("--out") + "...\n                     " +
-         Synopsis("--scale") + " " + Synopsis("--fit") + " [" + Synopsis("--airport", false) + " " +
-         Synopsis("--approach") + "] STEP...\n       velmora-chart " +
+         Synopsis("--scale") + " " + Synopsis("--fit") + " " + Synopsis("--profile") + " " +
+         Synopsis("--profile-json") + "\n                     [" + Synopsis("--airport", false) +
+         " " + Synopsis("--approach") + "] STEP...\n       velmora-chart " +
          Synopsis("--airport", false) + "[,CODE...] " + Synopsis("--all-approaches", false) +
          " --out kit.pdf|DIR/\n                     " + Synopsis("--page") + " " +
-         Synopsis("--format") + " " + Synopsis("--fit") +
+         Synopsis("--format") + " " + Synopsis("--fit") + " [--profile]" +
          "\n       velmora-chart --help | --version\n"
          "steps: " +
          StepsSynopsis() +
@@ -257,6 +288,9 @@ std::string ChartUsage() {
          "FILE '-' is standard output; --out writes .png, .svg or .pdf\n"
          "--all-approaches: each airport's sheet, then one page per approach, in list order\n"
          "--fit: each approach at the closest zoom that holds all its fixes\n"
+         "--profile: the picked approach's descent profile as a picture (.png, .svg, .pdf);\n"
+         "           in a kit, a profile strip under the plan of every approach page\n"
+         "--profile-json: the picked approach's profile for other programs ('-' to stdout)\n"
          "exit status: 0 done, 1 airport not found or an output not written,\n"
          "             2 bad command line or a step that can't be run\n";
 }

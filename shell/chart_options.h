@@ -54,6 +54,11 @@ struct ChartOptions {
   std::string page;            // "a4", "letter", "a5"; empty for the locale's paper
   std::string format = "png";  // pictures written into a folder: "png" or "svg"
   bool progress = false;       // a progress line on stderr for long kits
+  // The approach profile: its picture, its JSON ("-" standard output), and in a kit a strip
+  // under the plan of every approach page.
+  std::filesystem::path profilePath;
+  std::filesystem::path profileJsonPath;
+  bool profileStrips = false;
 };
 
 // Empty result and a message on `err` for a command line that can't be run.

@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <ostream>
+#include <vector>
 
 #include "data/platform.h"
 #include "data/text.h"
@@ -37,7 +38,7 @@ std::string PictureExtension(const std::filesystem::path& path) {
 
 bool WriteSvg(const RecordingCanvas& picture, const std::filesystem::path& path,
               std::ostream& err) {
-  SvgCanvas svg;
+  SvgCanvas svg(picture.size());
   picture.replay(svg);
   std::ofstream file(path, std::ios::binary);
   file << svg.document();
@@ -60,6 +61,13 @@ FileFiller PictureFiller(const RecordingCanvas& picture, const std::filesystem::
 bool WriteOutput(const std::filesystem::path& path, const FileFiller& fill, std::ostream& err) {
   std::string reason;
   if (WriteWhole(path, fill, reason)) return true;
+  err << "velmora-chart: " << PathToUtf8(path) << " was not written\n";
+  return false;
+}
+
+bool WriteOutput(const std::filesystem::path& path, std::string_view bytes, std::ostream& err) {
+  std::string reason;
+  if (WriteWhole(path, bytes, reason)) return true;
   err << "velmora-chart: " << PathToUtf8(path) << " was not written\n";
   return false;
 }
@@ -103,7 +111,11 @@ bool IsFolderOut(const std::filesystem::path& path) {
 }
 
 bool OutputFoldersExist(const ChartOptions& o, std::ostream& err) {
-  for (const std::filesystem::path& out : o.outPaths) {
+  std::vector<std::filesystem::path> outs = o.outPaths;
+  for (const std::filesystem::path& profile : {o.profilePath, o.profileJsonPath}) {
+    if (!profile.empty() && profile != "-") outs.push_back(profile);
+  }
+  for (const std::filesystem::path& out : outs) {
     std::filesystem::path folder = out.parent_path();
     if (o.allApproaches && IsFolderOut(out)) folder = out;
     if (!folder.empty() && !std::filesystem::is_directory(folder)) {

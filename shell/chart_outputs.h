@@ -35,6 +35,7 @@ FileFiller PictureFiller(const RecordingCanvas& picture, const std::filesystem::
 
 // WriteWhole with velmora-chart's message on failure.
 bool WriteOutput(const std::filesystem::path& path, const FileFiller& fill, std::ostream& err);
+bool WriteOutput(const std::filesystem::path& path, std::string_view bytes, std::ostream& err);
 
 // The trace or the states: "-" is `stdOut`, a file is written whole once the run ends, an
 // empty path is no stream at all.

@@ -20,6 +20,19 @@ std::string LostFirstFix(const Store& s) {
   return {};
 }
 
+// Twips between the plan and the profile strip of a kit page.
+constexpr std::int32_t kStripGap = 150;
+
+// An approach page of a kit: the chart, with the approach's profile strip under it if asked
+// (put together in `withStrip`).
+const RecordingCanvas& ApproachPage(const ChartOptions& o, const ChartSession& session,
+                                    RecordingCanvas& withStrip) {
+  if (!o.profileStrips) return session.picture();
+  withStrip = session.picture();
+  withStrip.stack(session.profilePicture(), kStripGap);
+  return withStrip;
+}
+
 // Adds the pages of a kit, with the progress line for long kits.
 class KitPages {
  public:
@@ -66,7 +79,9 @@ int KitAirport(const ChartOptions& o, const std::string& code, ChartSession& ses
     if (o.fit) {
       if (const int status = session.run(ParseStep("fit"), err)) return status;
     }
-    if (!pages.add({code, static_cast<int>(row), approach, title, &session.picture()})) return 1;
+    RecordingCanvas withStrip;
+    const RecordingCanvas& page = ApproachPage(o, session, withStrip);
+    if (!pages.add({code, static_cast<int>(row), approach, title, &page})) return 1;
   }
   return 0;
 }
@@ -125,6 +140,33 @@ bool WritePictures(const ChartOptions& o, const PictureWriter& writePicture,
   return written;
 }
 
+// The profile of the approach picked when the steps end: its picture and its JSON.
+int WriteProfile(const ChartOptions& o, const PictureWriter& writePicture,
+                 const ChartSession& session, std::ostream& out, std::ostream& err) {
+  if (o.profilePath.empty() && o.profileJsonPath.empty()) return 0;
+  if (!session.form().store().AppSelected) {
+    err << "velmora-chart: the profile needs an approach: give --approach or a pick step\n";
+    return 2;
+  }
+  const Profile& profile = session.form().profile();
+  if (!profile.whyNot.empty()) err << "velmora-chart: " << Cp1252ToUtf8(profile.whyNot) << "\n";
+  bool written = true;
+  if (!o.profilePath.empty()) {
+    const auto fill =
+        PictureFiller(session.profilePicture(), o.profilePath, o.scale, writePicture, err);
+    written = WriteOutput(o.profilePath, fill, err);
+  }
+  if (!o.profileJsonPath.empty()) {
+    const std::string json = ProfileJson(profile);
+    if (o.profileJsonPath == "-") {
+      out << json;
+    } else if (!WriteOutput(o.profileJsonPath, json, err)) {
+      written = false;
+    }
+  }
+  return written ? 0 : 1;
+}
+
 }  // namespace
 
 int RunChart(const ChartOptions& options, const PictureWriter& writePicture,
@@ -147,7 +189,9 @@ int RunChart(const ChartOptions& options, const PictureWriter& writePicture,
   const bool written = traceSink.commit(err) & stateSink.commit(err);
   if (status != 0) return status;
   const bool pictures = options.allApproaches || WritePictures(options, writePicture, session, err);
-  return written && pictures ? 0 : 1;
+  const int profile = WriteProfile(options, writePicture, session, out, err);
+  if (profile == 2) return profile;
+  return written && pictures && profile == 0 ? 0 : 1;
 }
 
 int RunChart(const ChartOptions& options, const PictureWriter& writePicture, std::ostream& out,

@@ -39,7 +39,7 @@ ChartSession::ChartSession(const ChartOptions& o, std::ostream* trace, std::ostr
     tracer_ = std::make_unique<TraceCanvas>(*trace);
     canvas_.add(*tracer_);
   }
-  form_ = std::make_unique<ArptForm>(*store_, canvas_, o.dataDir);
+  form_ = std::make_unique<ArptForm>(*store_, canvas_, o.dataDir, &profile_);
   form_->onCaption = [this](const std::string& text) {
     if (tracer_) tracer_->caption(text);
   };

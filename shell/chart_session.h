@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "charts/profile.h"
 #include "data/store.h"
 #include "geometry/canvas.h"
 #include "geometry/trace_canvas.h"
@@ -27,6 +28,8 @@ class ChartSession {
 
   const ArptForm& form() const { return *form_; }
   const RecordingCanvas& picture() const { return picture_; }
+  // The profile of the approach picked last, as the window's profile pane shows it.
+  const RecordingCanvas& profilePicture() const { return profile_; }
 
  private:
   int dispatch(const ChartStep& step, std::ostream& err);
@@ -38,6 +41,7 @@ class ChartSession {
   std::ostream* state_;
   std::unique_ptr<TraceCanvas> tracer_;
   RecordingCanvas picture_;
+  RecordingCanvas profile_{kProfileSize};
   TeeCanvas canvas_;
   std::unique_ptr<Store> store_;
   std::unique_ptr<ArptForm> form_;

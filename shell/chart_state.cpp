@@ -5,39 +5,6 @@
 namespace velmora {
 namespace {
 
-std::string JsonString(std::string_view cp1252) {
-  std::string out = "\"";
-  for (char c : Cp1252ToUtf8(cp1252)) {
-    switch (c) {
-      case '"':
-        out += "\\\"";
-        break;
-      case '\\':
-        out += "\\\\";
-        break;
-      case '\r':
-        out += "\\r";
-        break;
-      case '\n':
-        out += "\\n";
-        break;
-      case '\t':
-        out += "\\t";
-        break;
-      default:
-        if (static_cast<unsigned char>(c) < 0x20) {
-          const char* hex = "0123456789abcdef";
-          out += "\\u00";
-          out += hex[(c >> 4) & 0xF];
-          out += hex[c & 0xF];
-        } else {
-          out += c;
-        }
-    }
-  }
-  return out + "\"";
-}
-
 std::string JsonBool(bool value) {
   return value ? "true" : "false";
 }

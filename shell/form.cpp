@@ -59,8 +59,14 @@ std::string ApproachRowText(const ApproachRow& a) {
   return a.type + " " + a.runway + DesignatorLetter(a.designator);
 }
 
-ArptForm::ArptForm(Store& store, Canvas& canvas, std::filesystem::path dataDir)
-    : store_(store), canvas_(canvas), dataDir_(std::move(dataDir)) {}
+ArptForm::ArptForm(Store& store, Canvas& canvas, std::filesystem::path dataDir,
+                   Canvas* profileCanvas)
+    : store_(store), canvas_(canvas), dataDir_(std::move(dataDir)), profileCanvas_(profileCanvas) {}
+
+void ArptForm::showProfile(Profile profile) {
+  profile_ = std::move(profile);
+  if (profileCanvas_ != nullptr) DrawProfile(profile_, *profileCanvas_);
+}
 
 void ArptForm::setCaption(std::string text) {
   controls_.caption = std::move(text);
@@ -76,6 +82,7 @@ void ArptForm::Form_Load(std::string_view commandLine) {
   }
   controls_.cmbAPP.enabled = false;
   controls_.cmbTerm.enabled = false;
+  showProfile(NoApproachProfile());
   const VorReport vor = LoadVor(store_, dataDir_ / kVorFileName);
   if (std::string problem = VorProblem(vor); !problem.empty()) setCaption(std::move(problem));
 }
@@ -93,6 +100,7 @@ void ArptForm::cmdSearch_Click() {
   controls_.cmdZoom.enabled = false;
   SearchIdent = UpperCase(controls_.txtSearch.text);
   canvas_.Cls();
+  showProfile(NoApproachProfile());
   controls_.cmdPlus.enabled = false;
   controls_.cmdMinus.enabled = false;
 
@@ -131,6 +139,7 @@ void ArptForm::setZoomCaption(std::string_view separator) {
 void ArptForm::cmdArpt_Click() {
   view_.Zoom = kZoomOnLoad;
   store_.AppSelected = false;
+  showProfile(NoApproachProfile());
   controls_.cmdZoom.enabled = true;
   setZoomCaption(" ");
   view_.PanX = 0;
@@ -196,6 +205,7 @@ void ArptForm::cmbAPP_Click(int row) {
   displayArpt();
   DrawApp(store_, view_, canvas_, controls_.cmbTerm.rows);
   DrawArpt(store_, view_, canvas_);
+  showProfile(MakeProfile(store_, row, controls_.cmbAPP.text));
 }
 
 void ArptForm::displayArpt() {

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "charts/profile.h"
 #include "data/files.h"  // the data folder's file names
 #include "data/store.h"
 #include "geometry/canvas.h"
@@ -46,7 +47,9 @@ std::string ApproachRowText(const ApproachRow& a);
 class ArptForm {
  public:
   // `dataDir` stands for the folder of the executable: the index, the VOR list and FSXFiles.
-  ArptForm(Store& store, Canvas& canvas, std::filesystem::path dataDir);
+  // The profile of the approach picked is drawn on `profileCanvas`, where one is given.
+  ArptForm(Store& store, Canvas& canvas, std::filesystem::path dataDir,
+           Canvas* profileCanvas = nullptr);
 
   // Told of every caption a handler sets, while the handler runs: the search's progress has
   // to reach the screen during the scan.
@@ -75,6 +78,8 @@ class ArptForm {
   const Controls& controls() const { return controls_; }
   const View& view() const { return view_; }
   const Store& store() const { return store_; }
+  // The approach picked, worked out on each pick; "pick an approach" before one.
+  const Profile& profile() const { return profile_; }
 
  private:
   void setCaption(std::string text);
@@ -82,12 +87,15 @@ class ArptForm {
   void redraw();
   void setZoomCaption(std::string_view separator);
   void failLoad(std::string caption);
+  void showProfile(Profile profile);
 
   Store& store_;
   Canvas& canvas_;
   std::filesystem::path dataDir_;
+  Canvas* profileCanvas_;
   Controls controls_;
   View view_;
+  Profile profile_;
   std::string SearchIdent, IndexIdent, IndexInfo1, IndexInfo2, IndexFile;
 };
 

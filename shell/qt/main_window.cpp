@@ -34,6 +34,14 @@ int Px(int twips) {
   return (twips + Canvas::kTwipsPerPixel / 2) / Canvas::kTwipsPerPixel;
 }
 
+// The form, twips: 16815 x 10470 without the profile pane, which adds its height and a margin
+// beneath the chart.
+constexpr int kFormWidth = 16815;
+constexpr int kFormHeight = 10470;
+constexpr int kProfileTop = 10455;
+constexpr int kProfileGrowth = kProfileTop + kProfileSize.height + 135 - kFormHeight;
+constexpr const char* kProfileShownKey = "profileShown";
+
 QRect TwipRect(int left, int top, int width, int height) {
   return QRect(Px(left), Px(top), Px(width), Px(height));
 }
@@ -179,6 +187,28 @@ void ChartView::keyPressEvent(QKeyEvent* event) {
   }
 }
 
+ProfileView::ProfileView(QWidget* parent) : QWidget(parent), raster_(1.0, kProfileSize) {
+  setAttribute(Qt::WA_OpaquePaintEvent);
+  tee_.add(recording_);
+  tee_.add(raster_);
+  raster_.drawCls();
+}
+
+void ProfileView::paintEvent(QPaintEvent*) {
+  const double ratio = devicePixelRatioF();
+  if (ratio != raster_.pixelRatio()) {
+    raster_.setPixelRatio(ratio);
+    recording_.replay(raster_);
+  }
+  QPainter painter(this);
+  painter.drawImage(QPointF(0, 0), raster_.image());
+}
+
+std::unique_ptr<QSettings> WindowSettings() {
+  return std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope, "Velmora",
+                                     "velmora");
+}
+
 MainWindow::MainWindow(std::filesystem::path dataDir, const std::string& commandLine)
     : store_(std::make_unique<Store>()), dataDir_(dataDir) {
   askPrinter = [this](QPrinter& printer) { return AskPrinter(this, printer); };
@@ -189,7 +219,8 @@ MainWindow::MainWindow(std::filesystem::path dataDir, const std::string& command
   setWindowIcon(MakeIcon());
   setAcceptDrops(true);
   // An ordinary frame: resizing moves nothing, the rest is black background.
-  resize(Px(16815), Px(10470));
+  profileShown_ = WindowSettings()->value(kProfileShownKey, true).toBool();
+  resize(Px(kFormWidth), Px(kFormHeight + (profileShown_ ? kProfileGrowth : 0)));
   QPalette black = palette();
   black.setColor(QPalette::Window, Qt::black);
   setPalette(black);
@@ -197,8 +228,11 @@ MainWindow::MainWindow(std::filesystem::path dataDir, const std::string& command
 
   makeControls();
   placeControls();
+  picProfile_->setVisible(profileShown_);
+  showProfileButton();
 
-  form_ = std::make_unique<ArptForm>(*store_, picArpt_->canvas(), std::move(dataDir));
+  form_ = std::make_unique<ArptForm>(*store_, picArpt_->canvas(), std::move(dataDir),
+                                     &picProfile_->canvas());
   form_->onCaption = [this](const std::string& text) {
     setWindowTitle(ToQt(text));
     // The search's progress must show while the scan runs.
@@ -212,6 +246,8 @@ MainWindow::MainWindow(std::filesystem::path dataDir, const std::string& command
 
 void MainWindow::makeControls() {
   picArpt_ = new ChartView(this);
+  picProfile_ = new ProfileView(this);
+  cmdProfile_ = new QPushButton(this);
   txtSearch_ = new QLineEdit(this);
   txtSearch_->setFont(ConsoleFont(9.75, true));
   cmdSearch_ = new QPushButton("Search", this);
@@ -265,6 +301,8 @@ void MainWindow::placeControls() {
       {cmdZoom_, "cmdZoom", 14760, 5040, 1935, 735, true},
       {cmbAPP_, "cmbAPP", 14640, 2520, 2055, 405, true},
       {cmbTerm_, "cmbTerm", 14640, 3960, 2055, 405, true},
+      {cmdProfile_, "cmdProfile", 14760, 7080, 1935, 735, true},
+      {picProfile_, "picProfile", 120, kProfileTop, kProfileSize.width, kProfileSize.height, false},
   };
   QWidget* previous = nullptr;
   for (const Place& p : places) {
@@ -290,7 +328,8 @@ void MainWindow::connectControls() {
       {"Import from the simulator...", QKeySequence(Qt::CTRL | Qt::Key_I),
        &MainWindow::importFromSimulator},
       {"Print...", QKeySequence::Print, &MainWindow::printChart},
-      {"Save...", QKeySequence::Save, &MainWindow::saveChart}};
+      {"Save...", QKeySequence::Save, &MainWindow::saveChart},
+      {"Profile pane", QKeySequence(Qt::Key_F7), &MainWindow::toggleProfile}};
   for (const auto& [text, keys, slot] : actions) {
     auto* action = new QAction(text, this);
     action->setShortcut(keys);
@@ -298,6 +337,7 @@ void MainWindow::connectControls() {
     connect(action, &QAction::triggered, this, slot);
     addAction(action);
   }
+  connect(cmdProfile_, &QPushButton::clicked, this, &MainWindow::toggleProfile);
   connect(picArpt_, &ChartView::zoomStep, this, [this](int direction) {
     QPushButton* button = direction > 0 ? cmdPlus_ : cmdMinus_;
     if (button->isEnabled()) button->click();
@@ -385,6 +425,22 @@ void MainWindow::run(Handler handler) {
   handler();
   showState(form_->controls());
   picArpt_->update();
+  picProfile_->update();
+}
+
+void MainWindow::showProfileButton() {
+  cmdProfile_->setText(profileShown_ ? "Hide Profile\n(F7)" : "Show Profile\n(F7)");
+}
+
+void MainWindow::toggleProfile() {
+  profileShown_ = !profileShown_;
+  picProfile_->setVisible(profileShown_);
+  showProfileButton();
+  // A maximised window keeps its size; any other grows or shrinks by the pane.
+  if (!isMaximized() && !isFullScreen()) {
+    resize(width(), height() + (profileShown_ ? 1 : -1) * Px(kProfileGrowth));
+  }
+  WindowSettings()->setValue(kProfileShownKey, profileShown_);
 }
 
 void MainWindow::showState(const Controls& c) {

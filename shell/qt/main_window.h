@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSettings>
 #include <QWidget>
 #include <filesystem>
 #include <functional>
@@ -67,6 +68,27 @@ class ChartView final : public QWidget {
   int wheelEighths_ = 0;  // eighths of a degree not yet spent on a step
 };
 
+// picProfile: the profile of the approach picked, beneath the chart.
+class ProfileView final : public QWidget {
+  Q_OBJECT
+ public:
+  explicit ProfileView(QWidget* parent);
+  Canvas& canvas() { return tee_; }
+  const QImage& image() const { return raster_.image(); }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  RecordingCanvas recording_;
+  RasterCanvas raster_;
+  TeeCanvas tee_;
+};
+
+// What the window keeps between runs (the profile pane shown or hidden), in the user's
+// settings: ~/.config/Velmora/velmora.conf, the registry on Windows.
+std::unique_ptr<QSettings> WindowSettings();
+
 struct SaveChoice {
   QString path;
   double scale = 1.0;  // PNG pixels per screen pixel
@@ -80,6 +102,8 @@ class MainWindow final : public QWidget {
 
   const ArptForm& form() const { return *form_; }
   ChartView* chart() const { return picArpt_; }
+  ProfileView* profile() const { return picProfile_; }
+  bool profileShown() const { return profileShown_; }
 
   // The dialogs, replaceable so that tests need no modal window. askPrinter sets up the
   // printer and says whether to print; askSavePath gets the suggested file name.
@@ -94,6 +118,8 @@ class MainWindow final : public QWidget {
   void saveChart();
   // The scenery library of a simulator folder, as velmora-import --sim reads it.
   void importFromSimulator();
+  // Shows or hides the profile pane; the window grows or shrinks by its height.
+  void toggleProfile();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -113,10 +139,14 @@ class MainWindow final : public QWidget {
   void pickShownRow();
   // Runs the import under a progress bar and tells the result in the caption.
   void importAndTell(const ImportOptions& options);
+  void showProfileButton();
 
   std::unique_ptr<Store> store_;
   std::filesystem::path dataDir_;
   ChartView* picArpt_;
+  ProfileView* picProfile_;
+  QPushButton* cmdProfile_;
+  bool profileShown_ = true;
   QLineEdit* txtSearch_;
   QPushButton* cmdSearch_;
   QLabel* lblSearch_;

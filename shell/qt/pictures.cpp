@@ -166,7 +166,7 @@ class KitPdf final : public KitDocument {
 
 void PaintPicture(QPainter& painter, const RecordingCanvas& picture, const QRectF& area,
                   double dpi) {
-  QtCanvas canvas(&painter, 96.0 / dpi);
+  QtCanvas canvas(&painter, 96.0 / dpi, picture.size());
   PaintPicture(painter, picture, area, canvas);
 }
 
@@ -176,11 +176,13 @@ void PaintPicture(QPainter& painter, const RecordingCanvas& picture, const QRect
   painter.setRenderHint(QPainter::Antialiasing);
   // The canvas counts screen pixels; fit them to the area.
   const double pixels = Canvas::kTwipsPerPixel;
+  const PictureSize size = picture.size();
   const double fit =
-      std::min(area.width() / (Canvas::Width / pixels), area.height() / (Canvas::Height / pixels));
+      std::min(area.width() / (size.width / pixels), area.height() / (size.height / pixels));
   painter.translate(area.topLeft());
   painter.scale(fit, fit);
-  painter.setClipRect(QRectF(0, 0, Canvas::Width / pixels, Canvas::Height / pixels));
+  painter.setClipRect(QRectF(0, 0, size.width / pixels, size.height / pixels));
+  canvas.setSize(size);
   picture.replay(canvas);
   painter.restore();
 }
@@ -191,7 +193,7 @@ bool WritePicture(const RecordingCanvas& picture, const std::filesystem::path& p
   const QString file = ToQString(path);
   bool ok = false;
   if (ext == ".png") {
-    RasterCanvas canvas(scale);
+    RasterCanvas canvas(scale, picture.size());
     picture.replay(canvas);
     ok = canvas.image().save(file, "PNG");
   } else if (ext == ".pdf") {

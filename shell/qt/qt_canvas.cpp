@@ -19,15 +19,15 @@ double Px(double twips) {
   return twips / Canvas::kTwipsPerPixel;
 }
 
+}  // namespace
+
 // Far-off shapes are normal (a VOR far north, a scale tick at low zoom); skip those that
 // can't touch the canvas rather than hand the painter millions of twips.
-bool Outside(double left, double top, double right, double bottom) {
+bool QtCanvas::outside(double left, double top, double right, double bottom) const {
   constexpr double kMargin = 200;
-  return right < -kMargin || bottom < -kMargin || left > Canvas::Width + kMargin ||
-         top > Canvas::Height + kMargin;
+  return right < -kMargin || bottom < -kMargin || left > size_.width + kMargin ||
+         top > size_.height + kMargin;
 }
-
-}  // namespace
 
 QString ChartFontFamily() {
   static const QString family = [] {
@@ -78,21 +78,32 @@ void QtCanvas::applyPen(const Pen& pen) {
 }
 
 void QtCanvas::drawCls() {
-  painter_->fillRect(QRectF(0, 0, Px(Width), Px(Height)), ToQColor(kPictureBackground));
+  // Within the whole picture again, after the parts of one put together from others. Only
+  // then: a clip slows every shape drawn under it.
+  if (clipped_) painter_->setClipRect(QRectF(0, 0, Px(size_.width), Px(size_.height)));
+  clipped_ = false;
+  painter_->fillRect(QRectF(0, 0, Px(size_.width), Px(size_.height)), ToQColor(kPictureBackground));
 }
 
 void QtCanvas::drawLine(const Pen& pen, std::int32_t x1, std::int32_t y1, std::int32_t x2,
                         std::int32_t y2) {
-  if (Outside(std::min(x1, x2), std::min(y1, y2), std::max(x1, x2), std::max(y1, y2))) return;
+  if (outside(std::min(x1, x2), std::min(y1, y2), std::max(x1, x2), std::max(y1, y2))) return;
   applyPen(pen);
   painter_->drawLine(QPointF(Px(x1), Px(y1)), QPointF(Px(x2), Px(y2)));
 }
 
 void QtCanvas::drawCircle(const Pen& pen, std::int32_t x, std::int32_t y, std::int32_t radius) {
   const double r = std::abs(static_cast<double>(radius));
-  if (Outside(x - r, y - r, x + r, y + r)) return;
+  if (outside(x - r, y - r, x + r, y + r)) return;
   applyPen(pen);
   painter_->drawEllipse(QPointF(Px(x), Px(y)), Px(r), Px(r));
+}
+
+void QtCanvas::drawClip(std::int32_t left, std::int32_t top, std::int32_t width,
+                        std::int32_t height) {
+  const QRectF picture(0, 0, Px(size_.width), Px(size_.height));
+  clipped_ = true;
+  painter_->setClipRect(QRectF(Px(left), Px(top), Px(width), Px(height)).intersected(picture));
 }
 
 const QFont& QtCanvas::font(int points, bool bold) {
@@ -104,7 +115,7 @@ const QFont& QtCanvas::font(int points, bool bold) {
 
 void QtCanvas::drawText(const Pen& pen, std::string_view text) {
   // No label of the chart is near 30000 twips long or 400 high.
-  if (Outside(pen.CurrentX, pen.CurrentY, pen.CurrentX + 30000.0, pen.CurrentY + 400.0)) return;
+  if (outside(pen.CurrentX, pen.CurrentY, pen.CurrentX + 30000.0, pen.CurrentY + 400.0)) return;
   const QFont& f = font(pen.FontSize, pen.FontBold);
   painter_->setFont(f);
   painter_->setPen(ToQColor(pen.ForeColor));
@@ -123,7 +134,7 @@ void QtCanvas::drawText(const Pen& pen, std::string_view text) {
   painter_->drawStaticText(QPointF(Px(pen.CurrentX), Px(pen.CurrentY)), *it);
 }
 
-RasterCanvas::RasterCanvas(double pixelRatio) {
+RasterCanvas::RasterCanvas(double pixelRatio, PictureSize size) : QtCanvas(nullptr, 1.0, size) {
   setPixelRatio(pixelRatio);
 }
 
@@ -134,8 +145,8 @@ RasterCanvas::~RasterCanvas() {
 void RasterCanvas::setPixelRatio(double pixelRatio) {
   if (painter_.isActive()) painter_.end();
   ratio_ = pixelRatio > 0 ? pixelRatio : 1.0;
-  const int w = static_cast<int>(std::ceil(Width / double(kTwipsPerPixel) * ratio_));
-  const int h = static_cast<int>(std::ceil(Height / double(kTwipsPerPixel) * ratio_));
+  const int w = static_cast<int>(std::ceil(size().width / double(kTwipsPerPixel) * ratio_));
+  const int h = static_cast<int>(std::ceil(size().height / double(kTwipsPerPixel) * ratio_));
   image_ = QImage(w, h, QImage::Format_RGB32);
   image_.setDevicePixelRatio(ratio_);
   image_.fill(ToQColor(kPictureBackground));

@@ -32,15 +32,21 @@ QString FromCp1252(std::string_view text);
 class QtCanvas : public Canvas {
  public:
   // `painter` must count screen pixels (15 twips each) of a device whose fonts come out at
-  // 96 / `fontScale` dots per inch.
-  explicit QtCanvas(QPainter* painter = nullptr, double fontScale = 1.0)
-      : painter_(painter), fontScale_(fontScale) {}
+  // 96 / `fontScale` dots per inch; the picture is `size` large.
+  explicit QtCanvas(QPainter* painter = nullptr, double fontScale = 1.0,
+                    PictureSize size = kSheetSize)
+      : painter_(painter), fontScale_(fontScale), size_(size) {}
+
+  PictureSize size() const { return size_; }
+  void setSize(PictureSize size) { size_ = size; }
 
   void drawCls() override;
   void drawLine(const Pen& pen, std::int32_t x1, std::int32_t y1, std::int32_t x2,
                 std::int32_t y2) override;
   void drawCircle(const Pen& pen, std::int32_t x, std::int32_t y, std::int32_t radius) override;
   void drawText(const Pen& pen, std::string_view text) override;
+  void drawClip(std::int32_t left, std::int32_t top, std::int32_t width,
+                std::int32_t height) override;
 
  protected:
   void setPainter(QPainter* painter) { painter_ = painter; }
@@ -48,9 +54,12 @@ class QtCanvas : public Canvas {
  private:
   void applyPen(const Pen& pen);
   const QFont& font(int points, bool bold);
+  bool outside(double left, double top, double right, double bottom) const;
 
   QPainter* painter_;
   double fontScale_;
+  PictureSize size_;
+  bool clipped_ = false;  // a part's clip stands since the last Cls
   // A chart uses a handful of sizes; building a QFont per label would cost more than drawing.
   std::map<int, QFont> fonts_;
   // Laid-out labels: shaping each text anew is most of a redraw's time, and every zoom step
@@ -61,7 +70,7 @@ class QtCanvas : public Canvas {
 class RasterCanvas final : public QtCanvas {
  public:
   // `pixelRatio` device pixels per screen pixel (1 screen pixel = 15 twips).
-  explicit RasterCanvas(double pixelRatio = 1.0);
+  explicit RasterCanvas(double pixelRatio = 1.0, PictureSize size = kSheetSize);
   ~RasterCanvas() override;
 
   // Starts over at another ratio with an empty picture.

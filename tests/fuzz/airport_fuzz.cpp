@@ -1,7 +1,9 @@
-// The airport reader on any bytes, and the chart drawn from whatever it read.
+// The airport reader on any bytes, and the chart and the approaches' profiles drawn from
+// whatever it read.
 #include <vector>
 
 #include "charts/charts.h"
+#include "charts/profile.h"
 #include "data/extract.h"
 #include "fuzz_input.h"
 #include "geometry/svg_canvas.h"
@@ -20,6 +22,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     store.SelApp = app;
     store.AppSelected = true;
     DrawApp(store, in.view, canvas, rows);
+    SvgCanvas profile(kProfileSize);
+    DrawProfile(MakeProfile(store, app, "FUZZ"), profile);
   }
   store.AppSelected = false;
   return 0;

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "geometry/svg_canvas.h"
 #include "shell/qt/qt_canvas.h"
 
 namespace velmora::test {
@@ -43,6 +44,32 @@ TEST(QtCanvas, DotsOnlyAtWidthOneAndClsKeepsThePen) {
   const Pen& p = c.pen;
   EXPECT_TRUE(p.ForeColor == kRed && p.DrawWidth == 5 && p.DrawStyle == kDotted &&
               p.FontSize == 14 && p.FontBold && p.CurrentX == 0 && p.CurrentY == 0);
+}
+
+// A picture put together from two keeps each part within its own rectangle: a shape of the
+// upper one that reaches beyond its bottom doesn't show on the lower one, in raster and SVG.
+TEST(QtCanvas, StackedPicturesStayInTheirParts) {
+  RecordingCanvas chart({1500, 1500}), strip({1500, 600});
+  chart.pen.DrawWidth = 5;
+  chart.Line(750, 0, 750, 5000);  // on through the strip's place
+  strip.pen.DrawWidth = 5;
+  strip.Line(0, 300, 1500, 300);
+  chart.stack(strip, 150);
+  EXPECT_EQ(chart.size(), (PictureSize{1500, 2250}));
+  RasterCanvas c(1.0, chart.size());
+  chart.replay(c);
+  const auto ink = [&](int twipsX, int twipsY) {
+    return c.image().pixel(twipsX / 15, twipsY / 15) != qRgb(212, 208, 200);
+  };
+  EXPECT_TRUE(ink(750, 1000));   // the chart's line in the chart
+  EXPECT_FALSE(ink(750, 1580));  // not in the gap
+  EXPECT_FALSE(ink(750, 2100));  // nor on the strip
+  EXPECT_TRUE(ink(300, 1950));   // where the strip's own line lies
+  SvgCanvas svg(chart.size());
+  chart.replay(svg);
+  const std::string doc = svg.document();
+  EXPECT_NE(doc.find("<rect x=\"0\" y=\"1650\" width=\"1500\" height=\"600\"/></clipPath>"),
+            std::string::npos);
 }
 
 }  // namespace

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <QProcess>
+#include <fstream>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFOutlineDocumentHelper.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>
+#include <regex>
 #include <sstream>
 
 #include "shell/chart_run.h"
@@ -92,6 +95,75 @@ TEST(KitPdf, OnePagePerApproachWithBookmarksAndTheChartsOfTheirPicks) {
       Lines steps = {"--airport", "XGEN", "pick:" + std::to_string(k)};
       if (fit) steps.push_back("fit");
       EXPECT_EQ(pages[k + 1], LastStep(d.path(), steps)) << "page of pick:" << k;
+    }
+  }
+}
+
+// A word of a PDF page as poppler's pdftotext reads it back, with its place (points, y down).
+struct PdfWord {
+  double x, y;
+  std::string text;
+};
+
+std::vector<PdfWord> PdfWords(const std::filesystem::path& pdf, int page) {
+  const std::string html = pdf.string() + "-" + std::to_string(page) + ".html";
+  const QString n = QString::number(page);
+  QProcess::execute("pdftotext", {"-bbox", "-f", n, "-l", n, QString::fromStdString(pdf.string()),
+                                  QString::fromStdString(html)});
+  const std::string text = Slurp(html);
+  const std::regex word(R"re(<word xMin="([0-9.]+)" yMin="([0-9.]+)"[^>]*>([^<]*)</word>)re");
+  std::vector<PdfWord> words;
+  for (std::sregex_iterator it(text.begin(), text.end(), word), end; it != end; ++it) {
+    words.push_back({std::stod((*it)[1]), std::stod((*it)[2]), (*it)[3]});
+  }
+  return words;
+}
+
+const PdfWord* Find(const std::vector<PdfWord>& words, const std::string& text) {
+  for (const PdfWord& w : words) {
+    if (w.text == text) return &w;
+  }
+  return nullptr;
+}
+
+// A kit made with --profile: under the plan of each approach page stands the approach's
+// profile, its distances growing to the left as the hand-worked profiles of the sample give
+// them; the airport's sheet gets none, and a kit made without --profile none at all.
+TEST(KitPdf, ProfileStripUnderThePlanOfEveryApproachPage) {
+  TempDir d;
+  const struct {
+    std::string approach;
+    std::vector<std::string> distances;  // from the farthest fix to the threshold
+  } pages[] = {{"ILS 16L", {"16.0", "10.0", "5.2", "0.0"}},
+               {"ILS 34R", {"15.0", "10.0", "5.5", "0.0"}},
+               {"VORDME 9", {"13.0", "6.0", "3.0", "0.0"}},
+               {"GPS 27", {"12.0", "5.0", "0.0"}}};
+  for (const bool strips : {true, false}) {
+    const auto pdf = d.path() / (strips ? "strips.pdf" : "plain.pdf");
+    Lines args = {"--data", SampleDir().string(), "--airport", "XWHL", "--all-approaches",
+                  "--out",  pdf.string()};
+    if (strips) args.push_back("--profile");
+    std::ostringstream out, err;
+    const auto options = ParseChartArgs(args, "/nowhere", err);
+    ASSERT_TRUE(options.has_value()) << err.str();
+    ASSERT_EQ(RunChart(*options, WritePicture, MakeKitPdf, out, err), 0) << err.str();
+    EXPECT_EQ(Find(PdfWords(pdf, 1), "THR"), nullptr);  // the sheet
+    for (int k = 0; k < 4; ++k) {
+      SCOPED_TRACE(pages[k].approach);
+      const std::vector<PdfWord> words = PdfWords(pdf, k + 2);
+      const PdfWord* warning = Find(words, "DO");  // the plan's last line
+      ASSERT_NE(warning, nullptr);
+      EXPECT_EQ(Find(words, "THR") != nullptr, strips);
+      EXPECT_EQ(Find(words, "MAP") != nullptr, strips);
+      if (!strips) continue;
+      double left = 0;
+      for (const std::string& distance : pages[k].distances) {
+        const PdfWord* w = Find(words, distance);
+        ASSERT_NE(w, nullptr) << distance;
+        EXPECT_GT(w->y, warning->y) << distance;
+        EXPECT_GT(w->x, left) << distance;
+        left = w->x;
+      }
     }
   }
 }

@@ -23,7 +23,14 @@
 namespace velmora::test {
 namespace {
 
+// Each pilot's window starts as on a first run: no settings kept.
+struct FreshSettings {
+  FreshSettings() { WindowSettings()->clear(); }
+};
+
 class Pilot {
+  FreshSettings fresh_;
+
  public:
   Pilot(const std::filesystem::path& dir, const char* name) : w(dir, ""), name_(name) {
     w.show();
@@ -193,15 +200,17 @@ TEST(WindowInput, ZoomPanResetAndExitByKeyboard) {
 
 TEST(WindowInput, ResizedAndMaximisedTheControlsStay) {
   Pilot p(SampleDir(), "frame");
-  EXPECT_EQ(p.w.size(), QSize(1121, 698));  // 16815 x 10470 twips
+  // 16815 x 10470 twips, and 2520 more for the profile pane beneath the chart.
+  EXPECT_EQ(p.w.size(), QSize(1121, 866));
   const std::map<std::string, QRect> twips = {
       {"picArpt", {8, 8, 961, 681}},     {"txtSearch", {968, 40, 81, 25}},
       {"cmdSearch", {1048, 40, 65, 49}}, {"lblSearch", {968, 8, 145, 25}},
       {"cmdExit", {1040, 624, 73, 57}},  {"cmdArpt", {976, 96, 137, 65}},
       {"cmdPlus", {984, 392, 65, 65}},   {"cmdMinus", {1048, 392, 65, 65}},
       {"cmdZoom", {984, 336, 129, 49}},  {"cmbAPP", {976, 168, 137, 27}},
-      {"cmbTerm", {976, 264, 137, 27}}};
-  for (const QSize size : {QSize(1121, 698), QSize(1300, 800), QSize(900, 500), QSize()}) {
+      {"cmbTerm", {976, 264, 137, 27}},  {"cmdProfile", {984, 472, 129, 49}},
+      {"picProfile", {8, 697, 961, 160}}};
+  for (const QSize size : {QSize(1121, 866), QSize(1300, 800), QSize(900, 500), QSize()}) {
     size.isValid() ? p.w.resize(size) : p.w.showMaximized();  // an empty size: maximised
     QTest::qWait(20);
     EXPECT_EQ(p.w.isMaximized() ? QSize() : p.w.size(), size);
@@ -368,6 +377,66 @@ TEST(WindowInput, PrintAndSaveAsOnScreen) {
   p.key(Qt::Key_S, Qt::ControlModifier);
   EXPECT_EQ(p.w.windowTitle().left(15), "Could not write");
   p.shot("save-failed");
+}
+
+// The profile pane beneath the chart follows the pick, shows what velmora-chart --profile
+// draws, and hides and shows again by F7, by its button from the keyboard and by the mouse;
+// the next window starts as the last one was left.
+TEST(WindowInput, ProfilePaneFollowsThePickAndHidesOnRequest) {
+  TempDir dir;
+  const auto in = [&](const char* name) { return dir.path() / name; };
+  {
+    Pilot p(SampleDir(), "profile");
+    auto* pane = p.at<ProfileView>("picProfile");
+    auto* button = p.at<QPushButton>("cmdProfile");
+    EXPECT_TRUE(pane->isVisible());
+    EXPECT_EQ(button->text(), "Hide Profile\n(F7)");
+    const QImage unpicked = pane->image().copy();
+    p.load("xwhl");
+    EXPECT_EQ(PixelsUnlike(pane->image(), unpicked), 0);  // a load picks nothing
+    ASSERT_TRUE(p.tabTo("cmbAPP"));
+    p.key(Qt::Key_Down);  // ILS 16L
+    EXPECT_EQ(p.w.form().profile().approach, "ILS 16L");
+    const QImage ils16L = pane->image().copy();
+    EXPECT_GT(PixelsUnlike(ils16L, unpicked), 2000);
+    p.shot("profile-ils16l");
+
+    ChartOptions reference;
+    reference.dataDir = SampleDir();
+    reference.profilePath = in("ref.png");
+    reference.scale = ils16L.devicePixelRatio();
+    for (const char* step : {"type:XWHL", "search", "load", "pick:0"}) {
+      reference.steps.push_back(ParseStep(step));
+    }
+    std::ostringstream out, err;
+    ASSERT_EQ(RunChart(reference, WritePicture, out, err), 0) << err.str();
+    EXPECT_LT(PixelsUnlike(QImage(QString::fromStdString(in("ref.png").string())), ils16L), 50);
+
+    p.key(Qt::Key_Down);  // ILS 34R: the pane follows
+    EXPECT_GT(PixelsUnlike(pane->image(), ils16L), 2000);
+
+    p.key(Qt::Key_F7);
+    QTest::qWait(20);
+    EXPECT_FALSE(pane->isVisible());
+    EXPECT_EQ(p.w.size(), QSize(1121, 698));
+    EXPECT_EQ(button->text(), "Show Profile\n(F7)");
+    EXPECT_EQ(p.w.form().store().SelApp, 1);  // hiding changes nothing else
+    p.shot("profile-hidden");
+    ASSERT_TRUE(p.tabTo("cmdProfile"));
+    p.key(Qt::Key_Space);
+    QTest::qWait(20);
+    EXPECT_TRUE(pane->isVisible());
+    EXPECT_EQ(p.w.size(), QSize(1121, 866));
+    p.shot("profile-shown");
+    QTest::mouseClick(button, Qt::LeftButton);
+    QTest::qWait(20);
+    EXPECT_FALSE(pane->isVisible());
+  }
+  MainWindow next(SampleDir(), "");
+  next.show();
+  EXPECT_FALSE(next.profileShown());
+  EXPECT_FALSE(next.profile()->isVisible());
+  EXPECT_EQ(next.size(), QSize(1121, 698));
 }
 
 }  // namespace

@@ -52,6 +52,10 @@ click() {
   sleep 2
 }
 
+# The profile pane hidden, as the window keeps it between runs: the form alone must fit the
+# screen at 144 DPI, and its size is what is checked.
+"$WINE" reg add 'HKCU\Software\Velmora\velmora' /v profileShown /t REG_SZ /d false /f \
+  >/dev/null 2>&1
 for dpi in 96 144; do
   "$WINE" reg add 'HKCU\Control Panel\Desktop' /v LogPixels /t REG_DWORD /d "$dpi" /f \
     >/dev/null 2>&1
