@@ -172,8 +172,11 @@ void EachChild(const Record& r, F&& f) {
 
 constexpr std::string_view kBase38 = " ?0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 
+// to_chars rather than printf: the same digits, several times faster.
 std::string Fixed(double v, int decimals) {
   char text[64];
+  const auto res = std::to_chars(text, text + sizeof text, v, std::chars_format::fixed, decimals);
+  if (res.ec == std::errc()) return std::string(text, res.ptr);
   std::snprintf(text, sizeof text, "%.*f", decimals, v);
   return text;
 }
@@ -190,8 +193,8 @@ std::string Short(float v) {
 std::string Digits15(double v) {
   if (!std::isfinite(v)) return "0";
   char text[48];
-  std::snprintf(text, sizeof text, "%.15g", v);
-  return text;
+  const auto res = std::to_chars(text, text + sizeof text, v, std::chars_format::general, 15);
+  return std::string(text, res.ptr);
 }
 
 // Metres with up to `decimals` decimals, trailing zeros dropped, and a unit letter.

@@ -41,10 +41,13 @@ std::optional<double> SourceNumber(std::string_view text) {
   return value;
 }
 
+// to_chars rather than printf: the same digits, several times faster.
 std::string Fixed(double value, int decimals) {
   char text[64];
-  std::snprintf(text, sizeof text, "%.*f", decimals, value);
-  std::string out = text;
+  const auto res =
+      std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals);
+  if (res.ec != std::errc()) std::snprintf(text, sizeof text, "%.*f", decimals, value);
+  std::string out = res.ec == std::errc() ? std::string(text, res.ptr) : std::string(text);
   if (out.front() == '-' && out.find_first_not_of("-0.") == std::string::npos) out.erase(0, 1);
   return out;
 }
