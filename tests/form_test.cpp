@@ -151,11 +151,24 @@ TEST(Form, ControlStatesAlongTheRoad) {
   ExpectControls(f.controls(), want);
   EXPECT_EQ(Drawn(h.takeTrace()), Lines{"cls"});
 
+  // The chart button still offers XTST but looks for the code searched last in XTST's file;
+  // the lists take the code of the last index line looked at.
+  f.cmdArpt_Click();
+  want.caption = "Sorry, ZZZZ is not in FSXFiles/x.txt - no chart";
+  want.cmbAPP = {"XNOA APP", false, {}};
+  want.cmbTerm.rows.clear();
+  want.cmbTerm.text = "XNOA Term";
+  ExpectControls(f.controls(), want);
+
   f.setSearchText("xtst");
   f.cmdSearch_Click();
   want.caption = kFound;
-  want.cmbAPP.enabled = false;
   ExpectControls(f.controls(), want);
+  // An index without lines keeps the code found last.
+  d.write("Arpt index.txt", "");
+  f.cmdSearch_Click();
+  f.cmdArpt_Click();
+  EXPECT_EQ(f.controls().cmbAPP.text, "XTST APP");
 }
 
 // The caption shows the search's dots (how often: IndexSearch's test) before the code.
@@ -197,6 +210,17 @@ TEST(Form, RedrawsOfAPickedChartClickZoomAndReset) {
   f.cmdPlus_Click();
   f.cmdZoom_Click();
   EXPECT_EQ(f.controls().cmbTerm.rows, Lines{"VOR VOA"});
+  // A row the list doesn't have picks nothing.
+  for (int row : {-1, 2}) f.cmbAPP_Click(row);
+  EXPECT_EQ(f.controls().cmbAPP.text, "GPS 9");
+  // Zoom stops at its ends however often it is pressed, a click far off at the pan's limit.
+  for (int i = 0; i < 8; ++i) f.cmdPlus_Click();
+  EXPECT_EQ(f.view().Zoom, kZoomMin);
+  for (int i = 0; i < 25; ++i) f.cmdMinus_Click();
+  EXPECT_EQ(f.view().Zoom, kZoomMax);
+  f.picArpt_MouseDown(1, 0, -1e12, 1e12);
+  EXPECT_EQ(f.view().PanX, kPanLimit);
+  EXPECT_EQ(f.view().PanY, -kPanLimit);
 }
 
 TEST(Form, BadFilesAreToldInTheCaptionAndDrawNothing) {

@@ -40,6 +40,7 @@ TEST(ImportUnits, ConvertsToTheReadersForm) {
       {"N49* 12' 6.67\"", lat, "N49 12.1112"},
       {"49\xB0 12' 6.67\" S", lat, "S49 12.1112"},
       {"-0.001", lon, "W000 00.06"},
+      {"0", lat, "N00 00.00"},
       {"999", lat, "", true},
       {"E10 20.00", lat, "", true},
       {"N49* 75' 0\"", lat, "", true},
