@@ -328,6 +328,12 @@ TEST(ChartRun, EveryOutputGetsThePicture) {
   markup.Cls();
   markup.Print("a<b&c>\xB0");
   EXPECT_NE(markup.document().find(">a&lt;b&amp;c&gt;\u00B0</text>"), std::string::npos);
+  // Dots show on the thinnest pen only, as on screen.
+  markup.pen.DrawStyle = kDotted;
+  for (int width : {1, 2}) markup.pen.DrawWidth = width, markup.Line(0, 0, 9, 9);
+  const std::string doc = markup.document();
+  EXPECT_NE(doc.find("stroke-width=\"15\" stroke-dasharray"), std::string::npos);
+  EXPECT_EQ(doc.find("stroke-dasharray"), doc.rfind("stroke-dasharray"));
 }
 
 }  // namespace
