@@ -275,6 +275,12 @@ TEST(Import, OverAnExistingFolderOnlyTheSameNameIsReplaced) {
   const std::string index = Slurp(dir.path() / "data" / kIndexFileName);
   EXPECT_EQ(index, "XGOD;Older;;a_kept.txt\r\n");
   EXPECT_NE(err.str().find("\"XGOD\" stands also in a_kept.txt"), std::string::npos) << err.str();
+  // A source that stands in FSXFiles already is told and left as it is.
+  std::ostringstream inside;
+  const auto written = Slurp(dir.path() / "data/FSXFiles/good.xml");
+  EXPECT_EQ(Import(dir, {dir.path() / "data/FSXFiles/good.xml"}, inside).status, 1);
+  EXPECT_NE(inside.str().find("good.xml: stands in FSXFiles already"), std::string::npos);
+  EXPECT_EQ(Slurp(dir.path() / "data/FSXFiles/good.xml"), written);
 }
 
 // The index names files in Windows-1252: an imported file keeps every character of its source's
