@@ -42,6 +42,11 @@ TEST(Overlay, WorkedLegLabelsAndTerminalRows) {
   o.leg("F");
   o.leg("ABC", "2500.00F", "20530.0", "45.0");
   o.leg("G", "0.00F", "1026.5", "93.9");
+  // A course without its decimals, or beyond any number, draws neither mark nor label.
+  o.fix("H", 9000, 5000);
+  o.fix("I", 9000, 6000);
+  o.leg("H", "", "", "93");
+  o.leg("I", "", "", "99999999999.0");
   // Transitions of approach 0 give terminal rows after those there, but not INT and WAYPOINT.
   o.s.Trans[0] = {0, "T0", "VOR"};
   o.s.Trans[1] = {0, "T1", "INT"};
@@ -64,6 +69,9 @@ TEST(Overlay, WorkedLegLabelsAndTerminalRows) {
   EXPECT_EQ(Filter(t, "print 7"),
             (Lines{"print 7300 5000 0,0,0 8 0 G", "print 7300 5400 0,0,0 10 0 1 DME",
                    "print 7250 4600 0,0,0 10 1 093°"}));
+  EXPECT_EQ(Filter(t, "print 8"),
+            (Lines{"print 8900 5000 0,0,0 8 0 H", "print 8900 6000 0,0,0 8 0 I"}));
+  EXPECT_EQ(Filter(t, "print 9"), Lines{});
   EXPECT_FALSE(o.c.pen.FontBold);
   EXPECT_EQ(o.rows, (Lines{"kept", "VOR T0", "waypoint T4"}));
   o.s.AppSelected = false;
