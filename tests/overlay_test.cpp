@@ -104,7 +104,10 @@ TEST(Overlay, HeadingLines) {
       // The runway matches the ILS name whatever the case of its letter.
       {"ILS", "9", "RIGHT", "", {"ils rwy 09r  111.10   B  95.0°"}, "09/R"},
       {"VORDME", "0", "NONE", "VOA", {"VORDME  Visual APP  VOA  113.40"}, "00/NONE"},
-      {"vor", "27", "RIGHT", "XXX", {"vor  27R  XXX  "}, "27/R"}};
+      {"vor", "27", "RIGHT", "XXX", {"vor  27R  XXX  "}, "27/R"},
+      // No navaid finds no VOR, not even one without an ident; the last VOR is found.
+      {"VOR", "9", "NONE", "", {"VOR  09    "}, "09/NONE"},
+      {"VOR", "9", "NONE", "VOB", {"VOR  09  VOB  116.00"}, "09/NONE"}};
   // clang-format on
   for (const auto& k : cases) {
     Overlay o(k.type, k.runway);
@@ -115,7 +118,9 @@ TEST(Overlay, HeadingLines) {
     o.s.IlsLast = 2;
     o.s.Vor[0] = {"VOA", "N1 0", "E1 0", "113.40"};
     o.s.Vor[1] = {"VOA", "N1 0", "E1 0", "999.00"};
-    o.s.VorLast = 1;
+    o.s.Vor[2] = {"", "N1 0", "E1 0", "118.00"};
+    o.s.Vor[3] = {"VOB", "N1 0", "E1 0", "116.00"};
+    o.s.VorLast = 3;
     o.fix("F", 7000, 4000);
     o.leg("F", "", "", "", k.navaid);
     Lines want;
