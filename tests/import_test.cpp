@@ -10,6 +10,7 @@
 #include "data/platform.h"
 #include "data/vor.h"
 #include "import/run.h"
+#include "import/source_file.h"
 #include "import/units.h"
 #include "import/vor_merge.h"
 #include "import/xml_source.h"
@@ -246,7 +247,8 @@ TEST(Import, ABrokenSourceIsToldAndTheOthersGoOn) {
   TempDir dir;
   // A folder is searched for .xml files, whatever the case of their extension.
   const auto good = dir.write("src/good.XML", kGood);
-  const std::string brokenBytes = "<FSData>\n<Airport ident=\"XBAD\">\n<Runway>\n</Airport>\n";
+  const std::string brokenBytes =
+      "<FSData>\n\n\n\n\n\n<Airport ident=\"XBAD\">\n<Runway>\n</Airport>\n";
   const auto broken = dir.write("src/broken.xml", brokenBytes);
   std::ostringstream err;
   const ImportResult result = Import(dir, {dir.path() / "src"}, err);
@@ -255,7 +257,10 @@ TEST(Import, ABrokenSourceIsToldAndTheOthersGoOn) {
   EXPECT_EQ(result.skipped, 1);
   // Named as the folder walk finds it: with the system's own separators.
   const std::string brokenName = PathToUtf8(dir.path() / "src" / "broken.xml");
-  EXPECT_NE(err.str().find(brokenName + ":4: mismatched tag"), std::string::npos) << err.str();
+  EXPECT_NE(err.str().find(brokenName + ":9: mismatched tag"), std::string::npos) << err.str();
+  // A file that can't be opened is told without a line.
+  EXPECT_EQ(SourceProblem(dir.path(), ReadSourceFile(dir.path())),
+            PathToUtf8(dir.path()) + ": not a plain file");
   EXPECT_TRUE(std::filesystem::exists(dir.path() / "data/FSXFiles/good.XML"));
   EXPECT_FALSE(std::filesystem::exists(dir.path() / "data/FSXFiles/broken.xml"));
   EXPECT_EQ(Slurp(broken), brokenBytes);

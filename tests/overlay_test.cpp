@@ -105,8 +105,9 @@ TEST(Overlay, HeadingLines) {
       {"ILS", "9", "RIGHT", "", {"ils rwy 09r  111.10   B  95.0°"}, "09/R"},
       {"VORDME", "0", "NONE", "VOA", {"VORDME  Visual APP  VOA  113.40"}, "00/NONE"},
       {"vor", "27", "RIGHT", "XXX", {"vor  27R  XXX  "}, "27/R"},
-      // No navaid finds no VOR, not even one without an ident; the last VOR is found.
-      {"VOR", "9", "NONE", "", {"VOR  09    "}, "09/NONE"},
+      // No runway reads as 0; no navaid finds no VOR, not even one without an ident; the last
+      // VOR is found.
+      {"VOR", "", "NONE", "", {"VOR  0    "}, "0/NONE"},
       {"VOR", "9", "NONE", "VOB", {"VOR  09  VOB  116.00"}, "09/NONE"}};
   // clang-format on
   for (const auto& k : cases) {
