@@ -250,6 +250,12 @@ TEST(Form, BadFilesAreToldInTheCaptionAndDrawNothing) {
     EXPECT_EQ(Count(t, "0,0,255"), 0) << code;  // no VOR list, no VORs
     EXPECT_EQ(h.form().controls().caption, told == kFound ? kFound : noChart);
   }
+  // After an import the caption tells what came in; a VOR list still missing was told at start.
+  for (const char* told : {"1 airport", "2 airports"}) {
+    h.form().importFinished(told);
+    EXPECT_EQ(h.form().controls().caption, told);
+    WriteWorld(d);
+  }
 }
 
 // A sound VOR list loads silently; lines it can't use are counted in the caption.
@@ -262,6 +268,8 @@ TEST(Form, VorListProblemsInTheCaption) {
       {{vor}, "Velmora"},
       {{vor, "x;1", "y;a;b;c;d;e;f;g"}, "Velmora - vor.nav: 2 unreadable lines skipped"},
       {Lines(8003, vor), "Velmora - vor.nav: 2 VORs beyond the first 8001 dropped"},
+      {{vor, std::string(17 << 20, 'x'), std::string(17 << 20, 'y')},
+       "Velmora - vor.nav: 2 lines longer than 16 MB passed over"},
   };
   for (const auto& c : cases) {
     TempDir d;
