@@ -141,9 +141,12 @@ TEST(Form, ControlStatesAlongTheRoad) {
   ExpectControls(f.controls(), want);
   EXPECT_EQ(Count(h.takeTrace(), "line 6100 4100 6550 5000 0,128,0 2 0"), 1);
 
-  // A failed search leaves the chart button and both lists as they were.
+  f.showView(16, 0, 0);  // no zoom step: the caption keeps its blank
+  h.takeTrace();
+  // A failed search leaves the chart button and both lists as they were, and no view to show.
   f.setSearchText("zzzz");
   f.cmdSearch_Click();
+  f.showView(8, 0, 0);
   want.caption = "Sorry, ZZZZ is not in the Index!";
   want.cmdPlus.enabled = false;
   want.cmdMinus.enabled = false;
@@ -221,6 +224,10 @@ TEST(Form, RedrawsOfAPickedChartClickZoomAndReset) {
   f.picArpt_MouseDown(1, 0, -1e12, 1e12);
   EXPECT_EQ(f.view().PanX, kPanLimit);
   EXPECT_EQ(f.view().PanY, -kPanLimit);
+  f.showView(1, INT32_MIN, INT32_MAX);
+  EXPECT_EQ(f.view().Zoom, kZoomMin);
+  EXPECT_EQ(f.view().PanX, -kPanLimit);
+  EXPECT_EQ(f.view().PanY, kPanLimit);
 }
 
 TEST(Form, BadFilesAreToldInTheCaptionAndDrawNothing) {
