@@ -332,22 +332,25 @@ TEST(Import, VorsJoinTheListOnceAndWithinItsLength) {
   dir.write("data/vor.nav", list);
   std::ostringstream err;
   const std::string source =
-      "<FSData><Vor ident=\"GVR\" lat=\"10.5\" lon=\"20.5\"/>"
+      "<FSData><Vor ident=\"GVR\" lat=\"10.5166666667\" lon=\"20.5166666667\"/>"
+      "<Vor ident=\"GV2\" lat=\"10.5\" lon=\"20.5\"/>"
       "<Vor ident=\"NEW\" lat=\"-0.1\" lon=\"-20.25\" type=\"LOW\" "
       "frequency=\"112.10\" name=\"A;B\"/></FSData>";
   Import(dir, {dir.write("src/vors.xml", source)}, err);
-  EXPECT_EQ(Slurp(dir.path() / "data/vor.nav"), list + "A,B;-20;15.00;0;-06.00;L;NEW;112.10\r\n");
+  // A VOR a minute from one of the same ident is that one; another ident there is another.
+  EXPECT_EQ(Slurp(dir.path() / "data/vor.nav"),
+            list + ";20;30.00;10;30.00;;GV2;\r\nA,B;-20;15.00;0;-06.00;L;NEW;112.10\r\n");
   auto store = std::make_unique<Store>();
   LoadVor(*store, dir.path() / "data/vor.nav");
-  EXPECT_EQ(store->Vor[1].lat, "N0 -06.00");
-  EXPECT_EQ(store->Vor[1].lon, "W20 15");
+  EXPECT_EQ(store->Vor[2].lat, "N0 -06.00");
+  EXPECT_EQ(store->Vor[2].lon, "W20 15");
 
   for (int i = 1; i < kVorLines; ++i) list += "FILL;1;0;1;0;H;F" + std::to_string(i) + ";1\r\n";
   dir.write("data/vor.nav", list);
   std::ostringstream full;
   Import(dir, {dir.path() / "src/vors.xml"}, full);
   EXPECT_EQ(Slurp(dir.path() / "data/vor.nav"), list);
-  EXPECT_NE(full.str().find("1 VORs left out - the list holds at most 8,001 lines"),
+  EXPECT_NE(full.str().find("2 VORs left out - the list holds at most 8,001 lines"),
             std::string::npos)
       << full.str();
 }
