@@ -244,6 +244,10 @@ TEST(Form, BadFilesAreToldInTheCaptionAndDrawNothing) {
                         "The airport file FSXFiles/no.txt could not be read - no chart for XMIS",
                     noChart =
                         "No chart to move yet - search for an airport and show its chart first";
+  Lines full = {"<Airport ident=\"XFUL\"", "lat=\"N10 00.00\"", "lon=\"E10 00.00\">"};
+  for (int i = 0; i < 102; ++i) full.insert(full.end(), {"<Com type=\"TOWER\"", "name=\"T\"/>"});
+  d.write("FSXFiles/full.txt", CrLf(full));
+  d.write("Arpt index.txt", CrLf({"XFUL;a;b;full.txt"}) + Slurp(d.path() / "Arpt index.txt"));
   for (const auto& [code, told] : {std::pair{"xtst", kFound},
                                    {"xnof", "Sorry, XNOF is not in FSXFiles/x.txt - no chart"},
                                    {"xmis", noFile},
@@ -257,6 +261,8 @@ TEST(Form, BadFilesAreToldInTheCaptionAndDrawNothing) {
     EXPECT_EQ(Count(t, "0,0,255"), 0) << code;  // no VOR list, no VORs
     EXPECT_EQ(h.form().controls().caption, told == kFound ? kFound : noChart);
   }
+  h.load("xful");  // tables too small for the airport are told after the index line
+  EXPECT_EQ(h.form().controls().caption, "XFUL-a-b-full.txt - tables full, dropped: 1 frequency");
   // After an import the caption tells what came in; a VOR list still missing was told at start.
   for (const char* told : {"1 airport", "2 airports"}) {
     h.form().importFinished(told);
