@@ -328,7 +328,7 @@ TEST(Import, QuotesAndAngleBracketsOfANameGoAsReferences) {
 
 TEST(Import, VorsJoinTheListOnceAndWithinItsLength) {
   TempDir dir;
-  std::string list = "GOOD VOR;20;30.00;10;30.00;H;GVR;113.00\r\n";
+  std::string list = "GOOD VOR;20;30.00;10;30.00;H;GVR;113.00\r";  // ends in a lone CR
   dir.write("data/vor.nav", list);
   std::ostringstream err;
   const std::string source =
