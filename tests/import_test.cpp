@@ -337,6 +337,7 @@ TEST(Import, VorsJoinTheListOnceAndWithinItsLength) {
       "<Vor ident=\"NEW\" lat=\"-0.1\" lon=\"-20.25\" type=\"LOW\" "
       "frequency=\"112.10\" name=\"A;B\"/></FSData>";
   Import(dir, {dir.write("src/vors.xml", source)}, err);
+  EXPECT_EQ(err.str().find("left out"), std::string::npos) << err.str();
   // A VOR a minute from one of the same ident is that one; another ident there is another.
   EXPECT_EQ(Slurp(dir.path() / "data/vor.nav"),
             list + ";20;30.00;10;30.00;;GV2;\r\nA,B;-20;15.00;0;-06.00;L;NEW;112.10\r\n");
