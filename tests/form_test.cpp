@@ -141,9 +141,12 @@ TEST(Form, ControlStatesAlongTheRoad) {
   ExpectControls(f.controls(), want);
   EXPECT_EQ(Count(h.takeTrace(), "line 6100 4100 6550 5000 0,128,0 2 0"), 1);
 
-  // A failed search leaves the chart button and both lists as they were.
+  f.showView(16, 0, 0);  // no zoom step: the caption keeps its blank
+  h.takeTrace();
+  // A failed search leaves the chart button and both lists as they were, and no view to show.
   f.setSearchText("zzzz");
   f.cmdSearch_Click();
+  f.showView(8, 0, 0);
   want.caption = "Sorry, ZZZZ is not in the Index!";
   want.cmdPlus.enabled = false;
   want.cmdMinus.enabled = false;
@@ -151,11 +154,24 @@ TEST(Form, ControlStatesAlongTheRoad) {
   ExpectControls(f.controls(), want);
   EXPECT_EQ(Drawn(h.takeTrace()), Lines{"cls"});
 
+  // The chart button still offers XTST but looks for the code searched last in XTST's file;
+  // the lists take the code of the last index line looked at.
+  f.cmdArpt_Click();
+  want.caption = "Sorry, ZZZZ is not in FSXFiles/x.txt - no chart";
+  want.cmbAPP = {"XNOA APP", false, {}};
+  want.cmbTerm.rows.clear();
+  want.cmbTerm.text = "XNOA Term";
+  ExpectControls(f.controls(), want);
+
   f.setSearchText("xtst");
   f.cmdSearch_Click();
   want.caption = kFound;
-  want.cmbAPP.enabled = false;
   ExpectControls(f.controls(), want);
+  // An index without lines keeps the code found last.
+  d.write("Arpt index.txt", "");
+  f.cmdSearch_Click();
+  f.cmdArpt_Click();
+  EXPECT_EQ(f.controls().cmbAPP.text, "XTST APP");
 }
 
 // The caption shows the search's dots (how often: IndexSearch's test) before the code.
@@ -197,6 +213,21 @@ TEST(Form, RedrawsOfAPickedChartClickZoomAndReset) {
   f.cmdPlus_Click();
   f.cmdZoom_Click();
   EXPECT_EQ(f.controls().cmbTerm.rows, Lines{"VOR VOA"});
+  // A row the list doesn't have picks nothing.
+  for (int row : {-1, 2}) f.cmbAPP_Click(row);
+  EXPECT_EQ(f.controls().cmbAPP.text, "GPS 9");
+  // Zoom stops at its ends however often it is pressed, a click far off at the pan's limit.
+  for (int i = 0; i < 8; ++i) f.cmdPlus_Click();
+  EXPECT_EQ(f.view().Zoom, kZoomMin);
+  for (int i = 0; i < 25; ++i) f.cmdMinus_Click();
+  EXPECT_EQ(f.view().Zoom, kZoomMax);
+  f.picArpt_MouseDown(1, 0, -1e12, 1e12);
+  EXPECT_EQ(f.view().PanX, kPanLimit);
+  EXPECT_EQ(f.view().PanY, -kPanLimit);
+  f.showView(1, INT32_MIN, INT32_MAX);
+  EXPECT_EQ(f.view().Zoom, kZoomMin);
+  EXPECT_EQ(f.view().PanX, -kPanLimit);
+  EXPECT_EQ(f.view().PanY, kPanLimit);
 }
 
 TEST(Form, BadFilesAreToldInTheCaptionAndDrawNothing) {
@@ -213,6 +244,10 @@ TEST(Form, BadFilesAreToldInTheCaptionAndDrawNothing) {
                         "The airport file FSXFiles/no.txt could not be read - no chart for XMIS",
                     noChart =
                         "No chart to move yet - search for an airport and show its chart first";
+  Lines full = {"<Airport ident=\"XFUL\"", "lat=\"N10 00.00\"", "lon=\"E10 00.00\">"};
+  for (int i = 0; i < 102; ++i) full.insert(full.end(), {"<Com type=\"TOWER\"", "name=\"T\"/>"});
+  d.write("FSXFiles/full.txt", CrLf(full));
+  d.write("Arpt index.txt", CrLf({"XFUL;a;b;full.txt"}) + Slurp(d.path() / "Arpt index.txt"));
   for (const auto& [code, told] : {std::pair{"xtst", kFound},
                                    {"xnof", "Sorry, XNOF is not in FSXFiles/x.txt - no chart"},
                                    {"xmis", noFile},
@@ -226,6 +261,14 @@ TEST(Form, BadFilesAreToldInTheCaptionAndDrawNothing) {
     EXPECT_EQ(Count(t, "0,0,255"), 0) << code;  // no VOR list, no VORs
     EXPECT_EQ(h.form().controls().caption, told == kFound ? kFound : noChart);
   }
+  h.load("xful");  // tables too small for the airport are told after the index line
+  EXPECT_EQ(h.form().controls().caption, "XFUL-a-b-full.txt - tables full, dropped: 1 frequency");
+  // After an import the caption tells what came in; a VOR list still missing was told at start.
+  for (const char* told : {"1 airport", "2 airports"}) {
+    h.form().importFinished(told);
+    EXPECT_EQ(h.form().controls().caption, told);
+    WriteWorld(d);
+  }
 }
 
 // A sound VOR list loads silently; lines it can't use are counted in the caption.
@@ -238,6 +281,8 @@ TEST(Form, VorListProblemsInTheCaption) {
       {{vor}, "Velmora"},
       {{vor, "x;1", "y;a;b;c;d;e;f;g"}, "Velmora - vor.nav: 2 unreadable lines skipped"},
       {Lines(8003, vor), "Velmora - vor.nav: 2 VORs beyond the first 8001 dropped"},
+      {{vor, std::string(17 << 20, 'x'), std::string(17 << 20, 'y')},
+       "Velmora - vor.nav: 2 lines longer than 16 MB passed over"},
   };
   for (const auto& c : cases) {
     TempDir d;
@@ -304,6 +349,12 @@ TEST(ChartRun, EveryOutputGetsThePicture) {
   markup.Cls();
   markup.Print("a<b&c>\xB0");
   EXPECT_NE(markup.document().find(">a&lt;b&amp;c&gt;\u00B0</text>"), std::string::npos);
+  // Dots show on the thinnest pen only, as on screen.
+  markup.pen.DrawStyle = kDotted;
+  for (int width : {1, 2}) markup.pen.DrawWidth = width, markup.Line(0, 0, 9, 9);
+  const std::string doc = markup.document();
+  EXPECT_NE(doc.find("stroke-width=\"15\" stroke-dasharray"), std::string::npos);
+  EXPECT_EQ(doc.find("stroke-dasharray"), doc.rfind("stroke-dasharray"));
 }
 
 }  // namespace

@@ -19,7 +19,8 @@ constexpr std::int32_t kY0 = 19440000;
 
 // Besides the worked examples: zero from the negative side, a neighbour across the meridian,
 // minutes too small for a grid unit, leading zeros, 60 minutes or more, words behind the
-// second, a letter other than W and S, and parts that are not plain decimals.
+// second, a letter other than W and S, a minus on the minutes of the west, and parts that are
+// not plain decimals: a blank first, or decimal degrees without one.
 TEST(CoordGrid, CoordinateTextToGrid) {
   const struct {
     std::optional<std::int32_t> (*fn)(std::string_view);
@@ -35,6 +36,8 @@ TEST(CoordGrid, CoordinateTextToGrid) {
       {LatToGrid, "", std::nullopt},          {LatToGrid, "N47", std::nullopt},
       {LonToGrid, "E 26.39", std::nullopt},   {LonToGrid, "E8 x.5", std::nullopt},
       {LonToGrid, "E8 41.2.0", std::nullopt}, {LatToGrid, "N1e1 0.00", std::nullopt},
+      {LonToGrid, "W0 -10.5", kX0 - 37800},   {LonToGrid, " 26.39", std::nullopt},
+      {LatToGrid, "47.5", std::nullopt},
   };
   for (const auto& c : cases) EXPECT_EQ(c.fn(c.text), c.grid) << '"' << c.text << '"';
 }

@@ -10,6 +10,7 @@
 #include "data/platform.h"
 #include "data/vor.h"
 #include "import/run.h"
+#include "import/source_file.h"
 #include "import/units.h"
 #include "import/vor_merge.h"
 #include "import/xml_source.h"
@@ -40,6 +41,7 @@ TEST(ImportUnits, ConvertsToTheReadersForm) {
       {"N49* 12' 6.67\"", lat, "N49 12.1112"},
       {"49\xB0 12' 6.67\" S", lat, "S49 12.1112"},
       {"-0.001", lon, "W000 00.06"},
+      {"0", lat, "N00 00.00"},
       {"999", lat, "", true},
       {"E10 20.00", lat, "", true},
       {"N49* 75' 0\"", lat, "", true},
@@ -263,7 +265,8 @@ TEST(Import, ABrokenSourceIsToldAndTheOthersGoOn) {
   TempDir dir;
   // A folder is searched for .xml files, whatever the case of their extension.
   const auto good = dir.write("src/good.XML", kGood);
-  const std::string brokenBytes = "<FSData>\n<Airport ident=\"XBAD\">\n<Runway>\n</Airport>\n";
+  const std::string brokenBytes =
+      "<FSData>\n\n\n\n\n\n<Airport ident=\"XBAD\">\n<Runway>\n</Airport>\n";
   const auto broken = dir.write("src/broken.xml", brokenBytes);
   std::ostringstream err;
   const ImportResult result = Import(dir, {dir.path() / "src"}, err);
@@ -272,7 +275,10 @@ TEST(Import, ABrokenSourceIsToldAndTheOthersGoOn) {
   EXPECT_EQ(result.skipped, 1);
   // Named as the folder walk finds it: with the system's own separators.
   const std::string brokenName = PathToUtf8(dir.path() / "src" / "broken.xml");
-  EXPECT_NE(err.str().find(brokenName + ":4: mismatched tag"), std::string::npos) << err.str();
+  EXPECT_NE(err.str().find(brokenName + ":9: mismatched tag"), std::string::npos) << err.str();
+  // A file that can't be opened is told without a line.
+  EXPECT_EQ(SourceProblem(dir.path(), ReadSourceFile(dir.path())),
+            PathToUtf8(dir.path()) + ": not a plain file");
   EXPECT_TRUE(std::filesystem::exists(dir.path() / "data/FSXFiles/good.XML"));
   EXPECT_FALSE(std::filesystem::exists(dir.path() / "data/FSXFiles/broken.xml"));
   EXPECT_EQ(Slurp(broken), brokenBytes);
@@ -292,6 +298,12 @@ TEST(Import, OverAnExistingFolderOnlyTheSameNameIsReplaced) {
   const std::string index = Slurp(dir.path() / "data" / kIndexFileName);
   EXPECT_EQ(index, "XGOD;Older;;a_kept.txt\r\n");
   EXPECT_NE(err.str().find("\"XGOD\" stands also in a_kept.txt"), std::string::npos) << err.str();
+  // A source that stands in FSXFiles already is told and left as it is.
+  std::ostringstream inside;
+  const auto written = Slurp(dir.path() / "data/FSXFiles/good.xml");
+  EXPECT_EQ(Import(dir, {dir.path() / "data/FSXFiles/good.xml"}, inside).status, 1);
+  EXPECT_NE(inside.str().find("good.xml: stands in FSXFiles already"), std::string::npos);
+  EXPECT_EQ(Slurp(dir.path() / "data/FSXFiles/good.xml"), written);
 }
 
 // The index names files in Windows-1252: an imported file keeps every character of its source's
@@ -334,26 +346,30 @@ TEST(Import, QuotesAndAngleBracketsOfANameGoAsReferences) {
 
 TEST(Import, VorsJoinTheListOnceAndWithinItsLength) {
   TempDir dir;
-  std::string list = "GOOD VOR;20;30.00;10;30.00;H;GVR;113.00\r\n";
+  std::string list = "GOOD VOR;20;30.00;10;30.00;H;GVR;113.00\r";  // ends in a lone CR
   dir.write("data/vor.nav", list);
   std::ostringstream err;
   const std::string source =
-      "<FSData><Vor ident=\"GVR\" lat=\"10.5\" lon=\"20.5\"/>"
+      "<FSData><Vor ident=\"GVR\" lat=\"10.5166666667\" lon=\"20.5166666667\"/>"
+      "<Vor ident=\"GV2\" lat=\"10.5\" lon=\"20.5\"/>"
       "<Vor ident=\"NEW\" lat=\"-0.1\" lon=\"-20.25\" type=\"LOW\" "
       "frequency=\"112.10\" name=\"A;B\"/></FSData>";
   Import(dir, {dir.write("src/vors.xml", source)}, err);
-  EXPECT_EQ(Slurp(dir.path() / "data/vor.nav"), list + "A,B;-20;15.00;0;-06.00;L;NEW;112.10\r\n");
+  EXPECT_EQ(err.str().find("left out"), std::string::npos) << err.str();
+  // A VOR a minute from one of the same ident is that one; another ident there is another.
+  EXPECT_EQ(Slurp(dir.path() / "data/vor.nav"),
+            list + ";20;30.00;10;30.00;;GV2;\r\nA,B;-20;15.00;0;-06.00;L;NEW;112.10\r\n");
   auto store = std::make_unique<Store>();
   LoadVor(*store, dir.path() / "data/vor.nav");
-  EXPECT_EQ(store->Vor[1].lat, "N0 -06.00");
-  EXPECT_EQ(store->Vor[1].lon, "W20 15");
+  EXPECT_EQ(store->Vor[2].lat, "N0 -06.00");
+  EXPECT_EQ(store->Vor[2].lon, "W20 15");
 
   for (int i = 1; i < kVorLines; ++i) list += "FILL;1;0;1;0;H;F" + std::to_string(i) + ";1\r\n";
   dir.write("data/vor.nav", list);
   std::ostringstream full;
   Import(dir, {dir.path() / "src/vors.xml"}, full);
   EXPECT_EQ(Slurp(dir.path() / "data/vor.nav"), list);
-  EXPECT_NE(full.str().find("1 VORs left out - the list holds at most 8,001 lines"),
+  EXPECT_NE(full.str().find("2 VORs left out - the list holds at most 8,001 lines"),
             std::string::npos)
       << full.str();
 }

@@ -88,6 +88,47 @@ TEST(Fit, ClosestViewHoldsEveryFixAndIsOneAUserCanReach) {
   }
 }
 
+struct FitCase {
+  std::string name;
+  std::vector<std::pair<int, int>> fixes;  // the approach's fixes at Zoom 16, in leg order
+  std::optional<FitView> fit;
+  bool picked = true;
+};
+
+// The room's edges met exactly, and what the fit leaves out whatever the case: a transition's
+// leg to a far fix and a fix whose latitude can't be read, both ahead of the approach's legs.
+TEST(Fit, TheRoomsEdgesAndWhatIsLeftOut) {
+  const std::vector<FitCase> cases = {
+      {"as wide as the room at Zoom 2", {{6175, 5000}, {7825, 5000}}, FitView{2, -200, 250}},
+      {"as tall as the room at Zoom 16", {{7000, 1150}, {7000, 8850}}, FitView{16, -200, 250}},
+      {"too far for any zoom", {{7000, 5000}, {1007000, 5000}}, FitView{50, -160200, 250}},
+      {"no fix known", {}, std::nullopt},
+      {"no approach picked", {{7000, 5000}}, std::nullopt, false},
+  };
+  for (const FitCase& c : cases) {
+    Store s;
+    s.ArptLat = LatAt(5000);
+    s.ArptLon = LonAt(7000);
+    s.AppSelected = c.picked;
+    s.Approach[0] = {"GPS", "9", "NONE"};
+    s.Waypoint[0] = {"FAR", LatAt(-900000), LonAt(7000)};
+    s.Waypoint[1] = {"NOLAT", "", LonAt(900000)};
+    s.Leg[0] = {0, 0, "FAR"};
+    s.Leg[1] = {0, kApproachLeg, "NOLAT"};
+    for (std::size_t i = 0; i < c.fixes.size(); ++i) {
+      const std::string id = "F" + std::to_string(i);
+      s.Waypoint[s.WaypointLast = 2 + i] = {id, LatAt(c.fixes[i].second), LonAt(c.fixes[i].first)};
+      s.Leg[s.LegLast = 2 + i] = {0, kApproachLeg, id};
+    }
+    const auto got = FitApproach(s);
+    ASSERT_EQ(got.has_value(), c.fit.has_value()) << c.name;
+    if (!got) continue;
+    EXPECT_EQ(got->Zoom, c.fit->Zoom) << c.name;
+    EXPECT_EQ(got->PanX, c.fit->PanX) << c.name;
+    EXPECT_EQ(got->PanY, c.fit->PanY) << c.name;
+  }
+}
+
 TEST(ChartTool, UsageExitStatusesAndAirportsWithoutAChart) {
   TempDir d;
   WriteAirports(d, {{"XGEN", {kCompact}}});

@@ -89,7 +89,9 @@ TEST(SceneryLibrary, KeepsOrLeavesOutEachArea) {
        "3: Layer=-1 is no layer number - area left out"},
       {"an area number out of reason", "[Area.99999999999]\nLocal=x\n", 0,
        "1: [Area.99999999999] is no area number - left out"},
-      {"a Local with a control character", "[Area.4]\nLocal=a\tb\n", 0,
+      {"a Layer just beyond any library's", "[Area.4]\nLocal=x\nLayer=1000000\n", 0,
+       "3: Layer=1000000 is no layer number - area left out"},
+      {"a Local with a control character", "[Area.4]\nLocal=a\x1F\n", 0,
        "2: Local= names no folder - area left out"},
       {"a Local longer than any folder", "[Area.4]\nLocal=" + std::string(1025, 'a') + "\n", 0,
        "2: Local= names no folder - area left out"},
@@ -150,14 +152,14 @@ TEST(SceneryLibrary, FindsWindowsPathsOfAWinePrefix) {
   const SceneryLibrary lib = ParseSceneryLibrary(
       "[Area.1]\nTitle=Absolute\nLocal=C:\\addon\\lear\nLayer=2\n"
       "[Area.2]\nTitle=Relative\nLocal=scenery\\BASE\\\nLayer=1\n"
-      "[Area.3]\nTitle=Other drive\nLocal=D:\\Addon\nLayer=3\n");
+      "[Area.3]\nTitle=Other drive\nLocal=Z:\\Addon\nLayer=3\n");
   std::ostringstream err;
   const auto folders = FindLibraryFolders(lib, sim, "cfg", err);
   ASSERT_EQ(folders.size(), 2u);
   EXPECT_TRUE(std::filesystem::equivalent(folders[0].scenery, sim / "Scenery/Base/scenery"));
   EXPECT_TRUE(std::filesystem::equivalent(folders[1].scenery, driveC / "Addon/LEAR/scenery"));
   EXPECT_EQ(err.str(),
-            "cfg:9: area \"Other drive\": Local=D:\\Addon names a Windows drive that is not here"
+            "cfg:9: area \"Other drive\": Local=Z:\\Addon names a Windows drive that is not here"
             " - skipped\n");
 }
 

@@ -150,7 +150,7 @@ TEST(FixLookup, FirstTableAndLowestSlotWin) {
   const auto Lat = [](int degrees) { return "N" + std::to_string(degrees) + " 0.00"; };
   const auto Lon = [](int degrees) { return "E" + std::to_string(degrees) + " 0.00"; };
   Store s;
-  const char* waypoints[] = {"ALPHA", "DUP", "DUP", "HIDDEN"};  // HIDDEN: beyond WaypointLast
+  const char* waypoints[] = {"", "DUP", "DUP", "HIDDEN"};  // HIDDEN: beyond WaypointLast
   const char* vors[] = {"ALPHA", "BETA", "GAMMA", "gamma"};
   for (int i = 0; i < 4; ++i) {
     s.Waypoint[i] = {waypoints[i], Lat(10 + i), Lon(10 + i)};
@@ -158,11 +158,11 @@ TEST(FixLookup, FirstTableAndLowestSlotWin) {
   }
   std::tie(s.WaypointLast, s.NdbLast, s.VorLast, s.RwyLast) = std::tuple(2, 1, 3, 1);
   s.Ndb[1] = {Lat(20), Lon(20), "350", "BETA"};
-  // A helipad has no fix name, and an empty ident must not find it.
+  // A helipad has no fix name, nor the first waypoint an ident: an empty ident finds neither.
   s.RwyEnd[0] = {"HELIPAD", "", "", Lat(40), Lon(40), "", "", "", ""};
   s.RwyEnd[1] = {"", "", "", Lat(41), Lon(41), "", "", "", "RW25L"};
   // Ident and the degrees of the fix found, 0 for none.
-  const std::pair<const char*, int> cases[] = {{"ALPHA", 10}, {"DUP", 11},   {"BETA", 20},
+  const std::pair<const char*, int> cases[] = {{"ALPHA", 30}, {"DUP", 11},   {"BETA", 20},
                                                {"GAMMA", 32}, {"gamma", 33}, {"Gamma", 0},
                                                {"RW25L", 41}, {"HIDDEN", 0}, {"", 0}};
   for (auto [ident, d] : cases) {
@@ -175,7 +175,10 @@ TEST(PolarOffsetTest, QuadrantsAndRounding) {
   // clang-format off
   const struct { int bearing; double distance; int dx, dy; } cases[] = {
       {0, 1.0, 0, -360},    {360, 1.0, 0, -360},  {90, 1.0, 360, 0},     {45, 0.6, 153, -153},
-      {30, 1.0, 180, -312}, {120, 1.0, 312, 180}, {210, 1.0, -180, 312}, {300, 1.0, -312, -180}};
+      {30, 1.0, 180, -312}, {120, 1.0, 312, 180}, {210, 1.0, -180, 312}, {300, 1.0, -312, -180},
+      // The edges of each quadrant.
+      {91, 1.0, 360, 6},    {180, 1.0, 0, 360},   {181, 1.0, -6, 360},   {270, 1.0, -360, 0},
+      {271, 1.0, -360, -6}};
   // clang-format on
   for (const auto& c : cases) {
     std::int32_t x = 0, y = 0;

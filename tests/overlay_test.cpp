@@ -42,6 +42,11 @@ TEST(Overlay, WorkedLegLabelsAndTerminalRows) {
   o.leg("F");
   o.leg("ABC", "2500.00F", "20530.0", "45.0");
   o.leg("G", "0.00F", "1026.5", "93.9");
+  // A course without its decimals, or beyond any number, draws neither mark nor label.
+  o.fix("H", 9000, 5000);
+  o.fix("I", 9000, 6000);
+  o.leg("H", "", "", "93");
+  o.leg("I", "", "", "99999999999.0");
   // Transitions of approach 0 give terminal rows after those there, but not INT and WAYPOINT.
   o.s.Trans[0] = {0, "T0", "VOR"};
   o.s.Trans[1] = {0, "T1", "INT"};
@@ -64,6 +69,9 @@ TEST(Overlay, WorkedLegLabelsAndTerminalRows) {
   EXPECT_EQ(Filter(t, "print 7"),
             (Lines{"print 7300 5000 0,0,0 8 0 G", "print 7300 5400 0,0,0 10 0 1 DME",
                    "print 7250 4600 0,0,0 10 1 093°"}));
+  EXPECT_EQ(Filter(t, "print 8"),
+            (Lines{"print 8900 5000 0,0,0 8 0 H", "print 8900 6000 0,0,0 8 0 I"}));
+  EXPECT_EQ(Filter(t, "print 9"), Lines{});
   EXPECT_FALSE(o.c.pen.FontBold);
   EXPECT_EQ(o.rows, (Lines{"kept", "VOR T0", "waypoint T4"}));
   o.s.AppSelected = false;
@@ -96,7 +104,11 @@ TEST(Overlay, HeadingLines) {
       // The runway matches the ILS name whatever the case of its letter.
       {"ILS", "9", "RIGHT", "", {"ils rwy 09r  111.10   B  95.0°"}, "09/R"},
       {"VORDME", "0", "NONE", "VOA", {"VORDME  Visual APP  VOA  113.40"}, "00/NONE"},
-      {"vor", "27", "RIGHT", "XXX", {"vor  27R  XXX  "}, "27/R"}};
+      {"vor", "27", "RIGHT", "XXX", {"vor  27R  XXX  "}, "27/R"},
+      // No runway reads as 0; no navaid finds no VOR, not even one without an ident; the last
+      // VOR is found.
+      {"VOR", "", "NONE", "", {"VOR  0    "}, "0/NONE"},
+      {"VOR", "9", "NONE", "VOB", {"VOR  09  VOB  116.00"}, "09/NONE"}};
   // clang-format on
   for (const auto& k : cases) {
     Overlay o(k.type, k.runway);
@@ -107,7 +119,9 @@ TEST(Overlay, HeadingLines) {
     o.s.IlsLast = 2;
     o.s.Vor[0] = {"VOA", "N1 0", "E1 0", "113.40"};
     o.s.Vor[1] = {"VOA", "N1 0", "E1 0", "999.00"};
-    o.s.VorLast = 1;
+    o.s.Vor[2] = {"", "N1 0", "E1 0", "118.00"};
+    o.s.Vor[3] = {"VOB", "N1 0", "E1 0", "116.00"};
+    o.s.VorLast = 3;
     o.fix("F", 7000, 4000);
     o.leg("F", "", "", "", k.navaid);
     Lines want;
@@ -125,6 +139,8 @@ TEST(Symbols, CornersFromPolarOffsets) {
       {true, 90, {"1000 1000 797 926 0,0,0 2", "1000 1000 797 1074 0,0,0 2",
                   "797 926 797 1074 0,0,0 2"}},
       {true, 530, {"1000 1000 892 813 0,0,0 2"}},  // bearings 370 and 330
+      {true, 159, {"1000 1000 996 784 0,0,0 2", "1000 1000 858 837 0,0,0 2",
+                   "996 784 858 837 0,0,0 2"}},  // bearings -1, taken as 359, and 319
       {false, 360, {"1000 1000 724 1231 0,128,0 1", "724 1231 1000 500 0,128,0 1",
                     "1000 1000 1276 1231 0,128,0 1", "1276 1231 1000 500 0,128,0 1"}},
       {false, 500, {"1000 1000 640 1000 0,128,0 1", "640 1000 1000 500 0,128,0 1"}}};  // 370, 270

@@ -1,5 +1,6 @@
 // The sheet's and the plan's rules that the casebook's golden trace (tests/golden/casebook)
-// can't reach: the variation's text for any value and the VOR range test at its edges.
+// can't reach: the variation's text for any value, the runway list's odd slots and the VOR range
+// test at its edges.
 
 #include <gtest/gtest.h>
 
@@ -53,6 +54,20 @@ TEST(Sheet, VariationTextSidesAndRounding) {
       {"0.125", "0.13\xB0 W"}, {"359.995", "0.01\xB0 E"}, {"", ""}};
   // clang-format on
   for (const auto& [magvar, text] : cases) EXPECT_EQ(VariationText(magvar), text) << magvar;
+}
+
+// Every second slot up to the last used one is a row, even where a lone start makes that the
+// first end of a pair; a helipad gives none, nor does an airport without runways, and a
+// designator beginning with "N" gives no letter.
+TEST(Sheet, RunwayListRows) {
+  Chart chart, bare;
+  chart.s.RwyEnd[0] = {"RUNWAY", "9", "NORTH", "", "", "2000M", "45M", "ASPHALT"};
+  chart.s.RwyEnd[2] = {"HELIPAD", "1", "NONE", "", "", "20M", "20M", "GRASS"};
+  chart.s.RwyEnd[4] = {"RUNWAY", "27", "LEFT", "", "", "900M", "30M", "GRASS"};
+  chart.s.RwyLast = 4;
+  EXPECT_EQ(chart.sheet("RWY-"), (Lines{"print 200 1050 0,0,0 8 0 RWY- 09-2000M x 45M - ASPHALT",
+                                        "print 200 1300 0,0,0 8 0 RWY- 27L-900M x 30M - GRASS"}));
+  EXPECT_EQ(bare.sheet("RWY-"), Lines{});
 }
 
 TEST(Plan, VorRangeTestLooksAtXBeforePan) {

@@ -138,6 +138,9 @@ TEST(SimImport, AChangedLibraryIsReadAgain) {
   const ImportResult changed = RunImport(SimImport(dir), err);
   EXPECT_FALSE(changed.unchanged);
   EXPECT_TRUE(Holds(airports / "base.xml", "ident=\"XCCC\""));
+  // A state file that is none of ours tells of no import.
+  dir.write(std::filesystem::path("data") / kLibraryStateName, "x");
+  EXPECT_FALSE(RunImport(SimImport(dir), err).unchanged);
 }
 
 TEST(SimImport, ACancelledImportChangesNothing) {
