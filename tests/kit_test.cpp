@@ -113,12 +113,15 @@ TEST(Fit, TheRoomsEdgesAndWhatIsLeftOut) {
     s.Approach[0] = {"GPS", "9", "NONE"};
     s.Waypoint[0] = {"FAR", LatAt(-900000), LonAt(7000)};
     s.Waypoint[1] = {"NOLAT", "", LonAt(900000)};
-    s.Leg[0] = {0, 0, "FAR"};
-    s.Leg[1] = {0, kApproachLeg, "NOLAT"};
+    s.Leg[0].fixIdent = "FAR";
+    s.Leg[1].trans = kApproachLeg;
+    s.Leg[1].fixIdent = "NOLAT";
     for (std::size_t i = 0; i < c.fixes.size(); ++i) {
       const std::string id = "F" + std::to_string(i);
       s.Waypoint[s.WaypointLast = 2 + i] = {id, LatAt(c.fixes[i].second), LonAt(c.fixes[i].first)};
-      s.Leg[s.LegLast = 2 + i] = {0, kApproachLeg, id};
+      s.LegLast = 2 + i;
+      s.Leg[s.LegLast].trans = kApproachLeg;
+      s.Leg[s.LegLast].fixIdent = id;
     }
     const auto got = FitApproach(s);
     ASSERT_EQ(got.has_value(), c.fit.has_value()) << c.name;
