@@ -105,15 +105,15 @@ void WriteFile(const std::filesystem::path& path, const std::string& bytes, Libr
 
 void WriteNavaids(LibraryData& lib) {
   for (int f = 0; f < kNavaidFiles; ++f) {
-    BglFileSpec spec;
+    BglFileSpec contents;
     for (int w = 0; w < kWaypointsPerFile; ++w) {
       const int n = f * kWaypointsPerFile + w;
-      spec.waypoints.push_back(
+      contents.waypoints.push_back(
           {1, -60 + (n % 120) + 0.2, -170 + (n / 120) % 340 + 0.1, 0, Ident('W', n), "XX", ""});
     }
-    spec.ndbs.push_back({1, 350000, 10, 10, 0, 50000, 0, Ident('N', f), "XX", "", "NDB"});
+    contents.ndbs.push_back({1, 350000, 10, 10, 0, 50000, 0, Ident('N', f), "XX", "", "NDB"});
     WriteFile(lib.sim / "Scenery/World/scenery" / Format("NVX%02d.bgl", f),
-              test::BuildBgl(spec).bytes, lib);
+              test::BuildBgl(contents).bytes, lib);
   }
 }
 
@@ -128,11 +128,11 @@ const LibraryData& TheLibrary() {
       cfg += Format("[Area.%03d]\r\nTitle=Region %d\r\nLocal=%s\r\nLayer=%d\r\nActive=TRUE\r\n",
                     area + 2, area, folder.c_str(), area + 2);
       for (int f = 0; f < kFilesPerArea; ++f) {
-        BglFileSpec spec;
+        BglFileSpec contents;
         const int first = (area * kFilesPerArea + f) * kAirportsPerFile;
-        for (int a = 0; a < kAirportsPerFile; ++a) spec.airports.push_back(Airport(first + a));
+        for (int a = 0; a < kAirportsPerFile; ++a) contents.airports.push_back(Airport(first + a));
         WriteFile(lib.sim / folder / "scenery" / Format("APX%02d%03d.bgl", area, f),
-                  test::BuildBgl(spec).bytes, lib);
+                  test::BuildBgl(contents).bytes, lib);
       }
     }
     OutFile(lib.sim / "scenery.cfg") << cfg;

@@ -41,9 +41,9 @@ BglAirportSpec Airport(const std::string& ident, const std::string& name) {
 }
 
 void WriteBgl(const TempDir& dir, const std::string& name, std::vector<BglAirportSpec> airports) {
-  BglFileSpec spec;
-  spec.airports = std::move(airports);
-  dir.write(name, test::BuildBgl(spec).bytes);
+  BglFileSpec contents;
+  contents.airports = std::move(airports);
+  dir.write(name, test::BuildBgl(contents).bytes);
 }
 
 std::string Library(bool addonActive) {

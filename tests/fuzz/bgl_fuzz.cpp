@@ -13,6 +13,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   velmora::ParseBgl(bytes, velmora::BglDetail::kOutline);
   const velmora::SourceTree tree = velmora::ParseBgl(bytes);
   const velmora::ConvertedSource converted = velmora::ConvertSource(tree, "fuzz");
-  velmora::AirportFileText(converted, {});
+  velmora::AirportFileText(converted, {}, converted.vors);
   return 0;
 }

@@ -87,10 +87,10 @@ std::filesystem::path MakeSimulator(const TempDir& dir) {
     r.length = 2000;
     r.width = 45;
     a.runways.push_back(r);
-    BglFileSpec spec;
-    spec.airports.push_back(a);
+    BglFileSpec contents;
+    contents.airports.push_back(a);
     dir.write(std::string("sim/Addon/") + ident + "/scenery/" + ident + ".bgl",
-              BuildBgl(spec).bytes);
+              BuildBgl(contents).bytes);
     cfg +=
         std::string("[Area.") + std::to_string(cfg.size()) + "]\r\nLocal=Addon\\" + ident + "\r\n";
   }

@@ -94,8 +94,7 @@ void Transition(Out& o, const BglTransitionSpec& t, bool v6, const std::string& 
   o.end(at);
 }
 
-void Approach(Out& o, const BglApproachSpec& a, bool v6, const std::string& key,
-              BglBuilt& built) {
+void Approach(Out& o, const BglApproachSpec& a, bool v6, const std::string& key, BglBuilt& built) {
   built.at["approach" + key] = static_cast<std::uint32_t>(o.pos());
   const std::size_t at = o.begin(v6 ? 0xB6 : 0x24);
   o.u8(static_cast<unsigned char>(a.suffix));
@@ -327,7 +326,7 @@ void PutU32(std::string& bytes, std::size_t offset, std::uint32_t value) {
   PutU16(bytes, offset + 2, static_cast<std::uint16_t>(value >> 16));
 }
 
-BglBuilt BuildBgl(const BglFileSpec& spec) {
+BglBuilt BuildBgl(const BglFileSpec& contents) {
   BglBuilt built;
   struct Section {
     std::uint32_t type;
@@ -342,12 +341,12 @@ BglBuilt BuildBgl(const BglFileSpec& spec) {
     sections.push_back({type, std::move(o.b)});
     marks.push_back(std::move(local.at));
   };
-  if (!spec.airports.empty() || !spec.extraAirportSectionRecords.empty()) {
+  if (!contents.airports.empty() || !contents.extraAirportSectionRecords.empty()) {
     add(0x03, [&](Out& o, BglBuilt& b) {
-      for (std::size_t i = 0; i < spec.airports.size(); ++i) {
-        Airport(o, spec.airports[i], spec.format, i, b);
+      for (std::size_t i = 0; i < contents.airports.size(); ++i) {
+        Airport(o, contents.airports[i], contents.format, i, b);
       }
-      for (const BglRawRecord& r : spec.extraAirportSectionRecords) {
+      for (const BglRawRecord& r : contents.extraAirportSectionRecords) {
         const std::size_t at = o.begin(r.id);
         o.b += r.payload;
         o.end(at);
@@ -363,13 +362,13 @@ BglBuilt BuildBgl(const BglFileSpec& spec) {
       }
     });
   };
-  list(0x13, spec.navaids, "navaid", Navaid);
-  list(0x17, spec.ndbs, "ndb", Ndb);
-  list(0x22, spec.waypoints, "waypoint", Waypoint);
-  if (spec.nameList && !spec.airports.empty()) {
+  list(0x13, contents.navaids, "navaid", Navaid);
+  list(0x17, contents.ndbs, "ndb", Ndb);
+  list(0x22, contents.waypoints, "waypoint", Waypoint);
+  if (contents.nameList && !contents.airports.empty()) {
     add(0x27, [&](Out& o, BglBuilt& b) {
       b.at["names"] = 0;
-      NameList(o, spec.airports);
+      NameList(o, contents.airports);
     });
   }
   Out f;

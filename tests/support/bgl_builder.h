@@ -16,7 +16,7 @@ namespace velmora::test {
 enum class BglFormat { kFsx, kP3dV5, kP3dV6 };
 
 struct BglLegSpec {
-  std::uint8_t type = 15;  // IF
+  std::uint8_t type = 15;                                    // IF
   std::uint8_t altitudeDescriptor = 0, turn = 0, flags = 0;  // flags: 1 true course, 2 time
   std::uint8_t fixType = 0;  // table 6.6; 0 with an empty ident: no fix
   std::string fixIdent, fixRegion, fixAirport;
@@ -137,7 +137,7 @@ struct BglBuilt {
   std::map<std::string, std::uint32_t> at;
 };
 
-BglBuilt BuildBgl(const BglFileSpec& spec);
+BglBuilt BuildBgl(const BglFileSpec& contents);
 
 // Encodings: base-38 code, tagged ident, region + airport dword, coordinates.
 std::uint32_t BglCode(std::string_view ident);
