@@ -202,6 +202,11 @@ TEST(IndexBuild, CheckComparesWithoutWriting) {
     EXPECT_NE(err.find(said), std::string::npos) << err;
     EXPECT_EQ(Slurp(dir.path() / "Arpt index.txt"), existing);
   }
+  // Five differences are shown, no more.
+  dir.write("Arpt index.txt", "a\r\nb\r\nc\r\nd\r\ne\r\nf\r\n");
+  RunTool({dir.path(), "", true}, err);
+  EXPECT_NE(err.find("line 5: has \"e\""), std::string::npos) << err;
+  EXPECT_EQ(err.find("line 6:"), std::string::npos) << err;
   fs::remove(dir.path() / "Arpt index.txt");
   EXPECT_EQ(RunTool({dir.path(), "", true}, err), 1);
 }
