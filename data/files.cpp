@@ -23,6 +23,14 @@ bool ReadSmallFile(const std::filesystem::path& path, std::uintmax_t limit, std:
     reason = status == OpenStatus::kNotRegular ? "not a plain file" : "can't be read";
     return false;
   }
+  const std::string tooLarge = "larger than " + std::to_string(limit >> 20) + " MB - not read";
+  // A file that says it is too large is refused unread.
+  std::error_code ec;
+  if (const auto size = std::filesystem::file_size(path, ec); !ec && size > limit) {
+    std::fclose(file);
+    reason = tooLarge;
+    return false;
+  }
   bytes.clear();
   char buffer[1 << 16];
   std::size_t n = 0;
@@ -32,7 +40,7 @@ bool ReadSmallFile(const std::filesystem::path& path, std::uintmax_t limit, std:
   const bool failed = std::ferror(file) != 0;
   std::fclose(file);
   if (bytes.size() > limit) {
-    reason = "larger than " + std::to_string(limit >> 20) + " MB - not read";
+    reason = tooLarge;
   } else if (failed) {
     reason = "a read failed";
   }

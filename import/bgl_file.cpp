@@ -931,35 +931,13 @@ SourceTree ParseBgl(std::string_view bytes, BglDetail detail) {
 }
 
 SourceTree ReadBglFile(const std::filesystem::path& path, BglDetail detail) {
-  SourceTree failed;
-  std::FILE* file = nullptr;
-  const OpenStatus status = OpenRegularFile(path, file);
-  if (status != OpenStatus::kOpened) {
-    failed.error = status == OpenStatus::kNotRegular ? "0: not a plain file" : "0: can't be read";
+  std::string bytes, reason;
+  if (!ReadSmallFile(path, kMaxSourceBytes, bytes, reason)) {
+    SourceTree failed;
+    failed.error = "0: " + reason;
     return failed;
   }
-  std::error_code ec;
-  if (std::filesystem::file_size(path, ec) > kMaxSourceBytes && !ec) {
-    std::fclose(file);
-    failed.error = "0: larger than 512 MB - not read";
-    return failed;
-  }
-  std::string bytes;
-  std::vector<char> buffer(1 << 20);
-  for (;;) {
-    const std::size_t n = std::fread(buffer.data(), 1, buffer.size(), file);
-    if (bytes.size() + n > kMaxSourceBytes) {
-      failed.error = "0: larger than 512 MB - not read";
-      break;
-    }
-    bytes.append(buffer.data(), n);
-    if (n < buffer.size()) {
-      if (std::ferror(file)) failed.error = "0: a read failed";
-      break;
-    }
-  }
-  std::fclose(file);
-  return failed.error.empty() ? ParseBgl(bytes, detail) : failed;
+  return ParseBgl(bytes, detail);
 }
 
 }  // namespace velmora
